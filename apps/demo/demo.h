@@ -1,0 +1,10 @@
+#pragma once
+// The demo host: one field of every type, so that a newcomer can try the field behaviour, and
+// buttons that open the runtime's windows.
+#include <QWidget>
+
+class Demo : public QWidget {
+    Q_OBJECT
+public:
+    explicit Demo(QWidget *parent = nullptr);
+};

@@ -1,0 +1,61 @@
+#pragma once
+// Field behaviour on real widgets. A host gives a QLineEdit, QCheckBox or QComboBox its
+// behaviour with one call, PrepararCampo; from then on focus in, key presses and focus out run
+// CampoGotFocus, CampoKeyPress and CampoLostFocus. The tag text of any widget is its dynamic
+// property "tag" (a QString).
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+class QComboBox;
+
+namespace kvr {
+
+// True only while CampoGotFocus or CampoLostFocus rewrite a field's text: a host's textChanged
+// handler reads it to ignore changes that are not the user's.
+extern bool CambiandoTexto;
+// The last data-entry field that lost the focus (to give the focus back to it).
+extern QPointer<QWidget> UltimoCampo;
+// While true, CampoLostFocus leaves UltimoCampo alone.
+extern bool NoRecordarCampo;
+
+// The light-cyan editing colour, RGB(192, 255, 255), as the 32-bit colour value 16777152.
+constexpr int ColorEdicion = 16777152;
+
+// The widget's tag text (its "tag" property) and a setter.
+QString TagDe(const QObject *campo);
+void PonerTagDe(QObject *campo, const QString &tag);
+
+// Gives `campo` the field behaviour. A non-empty `tag` becomes its tag text first. Calling it
+// twice is harmless.
+void PrepararCampo(QWidget *campo, const QString &tag = {});
+// PrepararCampo for every QLineEdit, QCheckBox and QComboBox inside `ventana` whose tag holds a
+// type entry "T(".
+void PrepararCampos(QWidget *ventana);
+// Takes the behaviour away again.
+void QuitarCampo(QWidget *campo);
+
+// Decides a typed character by the field's tag: on return `keyAscii` is the character to
+// deliver, or 0 when the keystroke is swallowed. Enter moves to the next field, "+" fills the
+// field's default and moves on, a field that reaches its length passes the focus on.
+void CampoKeyPress(QWidget *campo, int &keyAscii);
+// Saves the background colour in the tag (key P), paints the field light cyan, puts the editing
+// form in and selects it all.
+void CampoGotFocus(QWidget *campo);
+// Restores the saved colour, puts the display form in and remembers the field in UltimoCampo.
+void CampoLostFocus(QWidget *campo);
+// Selects the whole text of the field.
+void SeleccionarTodo(QWidget *campo);
+
+// Moves the focus on as a Tab keystroke would (posted, so it comes after the key being handled).
+void PulsarTab();
+// Fills the field with its tag's "+" default and moves on.
+void ValorPorOmision(QWidget *campo);
+// Selects the entry of a list whose trimmed text equals the trimmed value; nothing if none does.
+void SeleccionarEnCombo(QComboBox *combo, const QString &valor);
+
+// A colour as the desktop's 32-bit colour value (red + green*256 + blue*65536) and back.
+int ValorColor(const QColor &color);
+QColor ColorDeValor(int valor);
+
+} // namespace kvr

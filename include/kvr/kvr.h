@@ -1,0 +1,10 @@
+#pragma once
+// Runtime KVR: everything a host application uses.
+#include <kvr/error.h>
+#include <kvr/numeros.h>
+#include <kvr/fechas.h>
+#include <kvr/servicios.h>
+#include <kvr/tags.h>
+#include <kvr/valores.h>
+#include <kvr/campos.h>
+#include <kvr/rtimekvr.h>

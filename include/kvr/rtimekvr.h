@@ -1,0 +1,24 @@
+#pragma once
+// The runtime's start-up window. Started by itself the runtime is not a program: it says so and
+// ends. The never-shown form holds one widget of every kind the runtime's windows use, so that
+// an installation lacking one of them fails at start-up rather than when a host opens a window.
+#include <QWidget>
+
+namespace kvr {
+
+class RTimeKVR : public QWidget {
+    Q_OBJECT
+public:
+    explicit RTimeKVR(QWidget *parent = nullptr);
+
+    // Shows the notice "Programa no ejecutable. Instalador de Runtime." and closes the form.
+    void Form_Load();
+
+    // The object names of the common widgets the form holds, in the frame "Objetos Comunes".
+    QStringList ObjetosComunes() const;
+};
+
+// What the start-up program does: create the form, load it, and return the exit code.
+int EjecutarRTimeKVR();
+
+} // namespace kvr

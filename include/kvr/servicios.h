@@ -1,0 +1,43 @@
+#pragma once
+// The small seam through which the runtime reaches the operating system: the message box, the
+// application's title and the clock. A default is always in place (the widget library installs
+// one built on Qt's message box); a test or a host can put in its own with PonerServicios.
+#include <QDate>
+#include <QDateTime>
+#include <QString>
+
+namespace kvr {
+
+// Button sets and icons of the desktop message box, to be added together: Critico + SoloAceptar.
+enum BotonesMensaje : int {
+    SoloAceptar = 0, AceptarCancelar = 1, AbortarReintentarIgnorar = 2, SiNoCancelar = 3,
+    SiNo = 4, ReintentarCancelar = 5,
+    Critico = 16, Pregunta = 32, Exclamacion = 48, Informacion = 64,
+};
+// Answers of the message box: the button pressed.
+enum RespuestaMensaje : int {
+    RespAceptar = 1, RespCancelar = 2, RespAbortar = 3, RespReintentar = 4, RespIgnorar = 5,
+    RespSi = 6, RespNo = 7,
+};
+
+class Servicios {
+public:
+    virtual ~Servicios();
+
+    // Shows a message box (text, button set plus icon, title) and returns the button pressed.
+    virtual int Mensaje(const QString &texto, int botones, const QString &titulo);
+    // The application's own title (the name a message box shows when none is given).
+    virtual QString TituloAplicacion();
+    virtual QDate Hoy();
+    virtual QDateTime Ahora();
+};
+
+// The services in use.
+Servicios &ServiciosActuales();
+// Puts in other services (nullptr goes back to the default) and returns the ones replaced.
+// The caller keeps ownership.
+Servicios *PonerServicios(Servicios *nuevos);
+// Used by the widget library to make its Qt implementation the default.
+void PonerServiciosPorOmision(Servicios *porOmision);
+
+} // namespace kvr

@@ -1,0 +1,42 @@
+#pragma once
+// Editing and display forms of field values, date completion, identity letters and account
+// codes: the rules every data-entry field follows, without widgets.
+#include <QDate>
+#include <QString>
+
+namespace kvr {
+
+// The working date from which dates typed without month or year are completed. Null until the
+// first completion, which sets it to today.
+extern QDate FechaTrabajo;
+
+// The display form of a value, by the field's descriptor (grouped numbers, "dd mmm yyyy" dates,
+// padded digit codes, "hh:mm" times, completed identity letters and account codes).
+QString FormatearCampo(const QString &valor, const QString &tag);
+// The editing form: plain numbers with "." and the field's decimals, dates as "dd/mm/yyyy".
+QString TextoEdicion(const QString &valor, const QString &tag);
+// Completes a date typed short ("5", "1205", "12/05", "12/") from the working date; an empty
+// text when the result is not a date.
+QString CompletarFecha(const QString &valor);
+// Today as "dd/mm/yyyy" (from the services' clock).
+QString HoyDMA();
+
+// Identity number: a value ending in "?" gets its check letter in place of the "?".
+void LetraNIF(QString &s);
+// Account code: a short code ("43.15", "4315", "43") expanded to eight digits. A code too long
+// for eight digits throws ErrorEjecucion.
+void CompletarCuenta(QString &s);
+
+// What a field does with a typed character, decided from its tag, its text and its selection.
+struct DecisionTecla {
+    enum Accion { Ninguna, Tabulador, PorOmision };
+    int codigo = 0;            // the character to deliver, 0 to swallow the key
+    Accion accion = Ninguna;   // Tabulador: move to the next field; PorOmision: fill the "+" default
+    bool tabTrasEntregar = false; // the delivered character fills the field: move on after it
+};
+// `codigo` is the typed character (8 Backspace, 13 Enter, else a UTF-16 code unit);
+// `inicioSeleccion` the caret position or the start of the selection, `largoSeleccion` its length.
+DecisionTecla DecidirTecla(const QString &tag, const QString &texto, int inicioSeleccion,
+                           int largoSeleccion, int codigo);
+
+} // namespace kvr

@@ -1,0 +1,71 @@
+#include "kvr/servicios.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <cstdio>
+
+namespace kvr {
+
+namespace {
+Servicios *g_actuales = nullptr;
+Servicios *g_porOmision = nullptr;
+} // namespace
+
+Servicios::~Servicios() = default;
+
+int Servicios::Mensaje(const QString &texto, int botones, const QString &titulo)
+{
+    // Without a window system there is nobody to ask: the message goes to the error output and
+    // the first button of the set counts as pressed.
+    std::fprintf(stderr, "%s: %s\n", qPrintable(titulo.isEmpty() ? TituloAplicacion() : titulo),
+                 qPrintable(texto));
+    switch (botones & 7) {
+    case AbortarReintentarIgnorar: return RespAbortar;
+    case SiNoCancelar:
+    case SiNo: return RespSi;
+    case ReintentarCancelar: return RespReintentar;
+    default: return RespAceptar;
+    }
+}
+
+QString Servicios::TituloAplicacion()
+{
+    QString t = QCoreApplication::applicationName();
+    if (t.isEmpty() && QCoreApplication::instance())
+        t = QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName();
+    return t;
+}
+
+QDate Servicios::Hoy()
+{
+    return QDate::currentDate();
+}
+
+QDateTime Servicios::Ahora()
+{
+    return QDateTime::currentDateTime();
+}
+
+Servicios &ServiciosActuales()
+{
+    static Servicios basicos;
+    if (g_actuales)
+        return *g_actuales;
+    if (g_porOmision)
+        return *g_porOmision;
+    return basicos;
+}
+
+Servicios *PonerServicios(Servicios *nuevos)
+{
+    Servicios *antes = g_actuales;
+    g_actuales = nuevos;
+    return antes;
+}
+
+void PonerServiciosPorOmision(Servicios *porOmision)
+{
+    g_porOmision = porOmision;
+}
+
+} // namespace kvr
