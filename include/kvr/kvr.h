@@ -7,4 +7,5 @@
 #include <kvr/tags.h>
 #include <kvr/valores.h>
 #include <kvr/campos.h>
+#include <kvr/escala.h>
 #include <kvr/rtimekvr.h>
