@@ -1,0 +1,404 @@
+// The calculator engine driven by key sequences. Every expected display, tape and state below was
+// worked out by hand from the key rules; a sequence is a string of key captions, "d" standing
+// for a click on the decimals button.
+#include <kvr/error.h>
+#include <kvr/motorcalculadora.h>
+
+#include <QtTest>
+
+using namespace kvr;
+
+namespace {
+
+void pulsar(MotorCalculadora &m, const QString &teclas)
+{
+    for (const QChar c : teclas) {
+        if (c == u'd')
+            m.CambiarDecimales();
+        else
+            QVERIFY2(m.TeclaTexto(c), qPrintable(QStringLiteral("sin tecla ") + c));
+    }
+}
+
+// Entrada|Pendiente|Operando|Resultado|UltimoValor
+QString estado(const MotorCalculadora &m)
+{
+    return QStringList{m.Entrada, m.Pendiente, m.Operando, m.Resultado, m.UltimoValor}.join(u'|');
+}
+
+QString papel(const MotorCalculadora &m)
+{
+    return m.LineasPapel().join(u'|');
+}
+
+} // namespace
+
+class TstMotorCalculadora : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void cleanup() { QLocale::setDefault(QLocale::c()); }
+
+    // The worked example, step by step: display, tape lines added and clipboard after each group.
+    void ejemplo_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QStringList>("grupos");
+        QTest::addColumn<QStringList>("pantallas");
+        QTest::addColumn<QStringList>("anotados");
+        QTest::addColumn<QStringList>("copiados");
+        const QStringList grupos{u"5+"_qs, u"3+"_qs, u"2="_qs, u"="_qs, u"*10%"_qs};
+        QTest::newRow("punto decimal") << u"C"_qs << grupos
+            << QStringList{u"5.00 +"_qs, u"8.00 +"_qs, u"10.00 ="_qs, u"10.00 ="_qs, u"1.00 ="_qs}
+            << QStringList{u"5.00 +"_qs, u"3.00 +"_qs, u"2.00 =|10.00 ="_qs, QString(),
+                           u"10.00 *|10.00 %|1.00 ="_qs}
+            << QStringList{QString(), u"8.00"_qs, u"10.00"_qs, u"10.00"_qs, u"1.00"_qs};
+        QTest::newRow("coma decimal") << u"es_ES"_qs << grupos
+            << QStringList{u"5,00 +"_qs, u"8,00 +"_qs, u"10,00 ="_qs, u"10,00 ="_qs, u"1,00 ="_qs}
+            << QStringList{u"5,00 +"_qs, u"3,00 +"_qs, u"2,00 =|10,00 ="_qs, QString(),
+                           u"10,00 *|10,00 %|1,00 ="_qs}
+            << QStringList{QString(), u"8,00"_qs, u"10,00"_qs, u"10,00"_qs, u"1,00"_qs};
+    }
+    void ejemplo()
+    {
+        QFETCH(QString, locale);
+        QFETCH(QStringList, grupos);
+        QFETCH(QStringList, pantallas);
+        QFETCH(QStringList, anotados);
+        QFETCH(QStringList, copiados);
+        QLocale::setDefault(QLocale(locale));
+        MotorCalculadora m;
+        QStringList vistos;
+        int copias = 0;
+        m.AlAnotar = [&](const QString &l) { vistos << l; };
+        m.AlCopiar = [&](const QString &) { ++copias; };
+        int copiasEsperadas = 0;
+        for (int i = 0; i < grupos.size(); ++i) {
+            vistos.clear();
+            pulsar(m, grupos[i]);
+            QCOMPARE(m.Pantalla(), pantallas[i]);
+            QCOMPARE(vistos.join(u'|'), anotados[i]);
+            QCOMPARE(m.Copiado(), copiados[i]);
+            if (i == 1 || i == 2 || i == 4)
+                ++copiasEsperadas; // the repeated "=" copies nothing
+            QCOMPARE(copias, copiasEsperadas);
+        }
+        const QString sep = locale == u"C" ? u"."_qs : u","_qs;
+        QCOMPARE(m.Papel(), QStringList({u"5.00 +"_qs, u"3.00 +"_qs, u"2.00 ="_qs, u"10.00 ="_qs,
+                                         u"10.00 *"_qs, u"10.00 %"_qs, u"1.00 ="_qs})
+                                .join(u"\r\n"_qs).replace(u"."_qs, sep) + u"\r\n"_qs);
+    }
+
+    void secuencias_data()
+    {
+        QTest::addColumn<QString>("teclas");
+        QTest::addColumn<QString>("pantalla");
+        QTest::addColumn<QString>("tape");
+        QTest::addColumn<QString>("estado"); // Entrada|Pendiente|Operando|Resultado|UltimoValor
+
+        QTest::newRow("inicial") << u""_qs << u"0.00  "_qs << u""_qs << u"||||"_qs;
+        QTest::newRow("segundo punto ignorado") << u"1..5"_qs << u"1.50  "_qs << u""_qs << u"1.5||||"_qs;
+        QTest::newRow("cero sobre cero ignorado") << u"00"_qs << u"0.00  "_qs << u""_qs << u"0||||"_qs;
+        QTest::newRow("ceros tras el punto") << u".00"_qs << u"0.00  "_qs << u""_qs << u".00||||"_qs;
+        QTest::newRow("ceros tras el signo") << u"S00"_qs << u"0.00  "_qs << u""_qs << u"-00||||"_qs;
+        QTest::newRow("signo sobre vacío") << u"S"_qs << u"0.00  "_qs << u""_qs << u"-||||"_qs;
+        QTest::newRow("doble signo") << u"SS"_qs << u"0.00  "_qs << u""_qs << u"||||"_qs;
+        QTest::newRow("signo a mitad") << u"12S"_qs << u"-12.00  "_qs << u""_qs << u"-12||||"_qs;
+        QTest::newRow("borrar vacío") << u"<"_qs << u"0.00  "_qs << u""_qs << u"||||"_qs;
+        QTest::newRow("borrar una cifra") << u"12<"_qs << u"1.00  "_qs << u""_qs << u"1||||"_qs;
+        QTest::newRow("borrar la última") << u"1<"_qs << u"0.00  "_qs << u""_qs << u"||||"_qs;
+        QTest::newRow("por ciento sin pendiente") << u"5%"_qs << u"5.00  "_qs << u""_qs << u"5||||"_qs;
+        QTest::newRow("por ciento sin entrada") << u"5+%"_qs << u"5.00 +"_qs << u"5.00 +"_qs
+                                                << u"|5 +|||5"_qs;
+        QTest::newRow("operador sin nada") << u"+"_qs << u"0.00  "_qs << u""_qs << u"||||"_qs;
+        QTest::newRow("igual sin operando") << u"5+="_qs << u"5.00 ="_qs << u"5.00 +|5.00 ="_qs
+                                            << u"|| =|5 =|5"_qs;
+        QTest::newRow("igual repetido") << u"5+3=="_qs << u"8.00 ="_qs << u"5.00 +|3.00 =|8.00 ="_qs
+                                        << u"||3 =|8 =|8"_qs;
+        QTest::newRow("cadena") << u"5+3+"_qs << u"8.00 +"_qs << u"5.00 +|3.00 +"_qs
+                                << u"|8 +|3 +|8 +|3"_qs;
+        QTest::newRow("mismo operador repite") << u"5+3++"_qs << u"11.00 +"_qs
+                                               << u"5.00 +|3.00 +|3.00 +"_qs << u"|11 +|3 +|11 +|3"_qs;
+        QTest::newRow("operador tras resultado") << u"5+3=*"_qs << u"8.00 *"_qs
+                                                 << u"5.00 +|3.00 =|8.00 =|8.00 *"_qs
+                                                 << u"|8 *|3 =|8 *|8"_qs;
+        QTest::newRow("sigue tras resultado") << u"5+3=*2="_qs << u"16.00 ="_qs
+                                              << u"5.00 +|3.00 =|8.00 =|8.00 *|2.00 =|16.00 ="_qs
+                                              << u"||2 =|16 =|16"_qs;
+        QTest::newRow("signo no toca el resultado") << u"5+3=S"_qs << u"0.00  "_qs
+                                                    << u"5.00 +|3.00 =|8.00 ="_qs << u"-||3 =|8 =|8"_qs;
+        QTest::newRow("resta negativa") << u"3-5="_qs << u"-2.00 ="_qs << u"3.00 -|5.00 =|-2.00 ="_qs
+                                        << u"||5 =|-2 =|-2"_qs;
+        QTest::newRow("agrupa miles") << u"1234567*1000="_qs << u"1,234,567,000.00 ="_qs
+                                      << u"1,234,567.00 *|1,000.00 =|1,234,567,000.00 ="_qs
+                                      << u"||1000 =|1234567000 =|1234567000"_qs;
+        QTest::newRow("división por cero") << u"8/0="_qs << u"0.00 ="_qs << u"8.00 /|0.00 =|0.00 ="_qs
+                                           << u"||0 =|0.00 =|0.00"_qs;
+        QTest::newRow("división por cero a 3 decimales") << u"d8/0="_qs << u"0.000 ="_qs
+                                                         << u"8.000 /|0.000 =|0.000 ="_qs
+                                                         << u"||0 =|0.00 =|0.00"_qs;
+        QTest::newRow("más por ciento") << u"200+10%"_qs << u"220.00 ="_qs
+                                        << u"200.00 +|10.00 %|220.00 ="_qs << u"||20 =|220 =|220"_qs;
+        QTest::newRow("menos por ciento") << u"200-10%"_qs << u"180.00 ="_qs
+                                          << u"200.00 -|10.00 %|180.00 ="_qs << u"||20 =|180 =|180"_qs;
+        QTest::newRow("por por ciento") << u"200*10%"_qs << u"20.00 ="_qs
+                                        << u"200.00 *|10.00 %|20.00 ="_qs << u"||10 %|20 =|20"_qs;
+        QTest::newRow("entre por ciento") << u"200/10%"_qs << u"20.00 %"_qs
+                                          << u"200.00 /|10.00 %|20.00 %"_qs << u"||10 %|20 %|20"_qs;
+        QTest::newRow("impuesto contenido") << u"121I21="_qs << u"21.00 ="_qs
+                                            << u"121.00 I|21.00 =|21.00 ="_qs << u"||21 =|21 =|21"_qs;
+        QTest::newRow("neto contenido") << u"121N21="_qs << u"100.00 ="_qs
+                                        << u"121.00 N|21.00 =|100.00 ="_qs << u"||21 =|100 =|100"_qs;
+        QTest::newRow("euros a pesetas") << u"1P"_qs << u"166.39 P"_qs << u"1.00 P|166.39 P"_qs
+                                         << u"|||166.386 P|166.386"_qs;
+        QTest::newRow("pesetas a euros") << u"166.386E"_qs << u"1.00 E"_qs << u"166.39 E|1.00 E"_qs
+                                         << u"|||1 E|1"_qs;
+        // After a conversion the Operando left by "5+3+" still says "+": the result chains.
+        QTest::newRow("conversión en cadena") << u"5+3+1P"_qs << u"166.39 P"_qs
+                                              << u"5.00 +|3.00 +|1.00 P"_qs
+                                              << u"|166.386 P|3 +|166.386 P|1"_qs;
+        QTest::newRow("conversión deja pendiente desconocido") << u"5+3+1P2="_qs << u"166.39 ="_qs
+                                              << u"5.00 +|3.00 +|1.00 P|2.00 =|166.39 ="_qs
+                                              << u"||2 =|166.386 =|166.386"_qs;
+        QTest::newRow("borrar todo guarda el último") << u"5+3=C"_qs << u"0.00  "_qs << u""_qs
+                                                      << u"||||8"_qs;
+        QTest::newRow("operador tras borrar reutiliza") << u"5+3=C+"_qs << u"8.00 +"_qs << u"8.00 +"_qs
+                                                        << u"|8 +|||8"_qs;
+        QTest::newRow("igual sin nada queda pendiente") << u"="_qs << u"0.00  "_qs << u""_qs
+                                                        << u"| =|||"_qs;
+        QTest::newRow("pendiente desconocido") << u"=5+"_qs << u"0.00 +"_qs << u"5.00 +"_qs
+                                               << u"| +|5 +| +|5"_qs;
+        QTest::newRow("pendiente desconocido sigue") << u"=5+3="_qs << u"3.00 ="_qs
+                                                     << u"5.00 +|3.00 =|3.00 ="_qs << u"||3 =|3 =|3"_qs;
+        QTest::newRow("dos iguales sin nada") << u"=="_qs << u"0.00 ="_qs << u"0.00 ="_qs
+                                              << u"|| =| =|"_qs;
+        QTest::newRow("decimales rehacen la pantalla, no el papel") << u"5+d"_qs << u"5.000 +"_qs
+                                                                    << u"5.00 +"_qs << u"|5 +|||5"_qs;
+    }
+    void secuencias()
+    {
+        QFETCH(QString, teclas);
+        QFETCH(QString, pantalla);
+        QFETCH(QString, tape);
+        QFETCH(QString, estado);
+        QLocale::setDefault(QLocale::c());
+        MotorCalculadora m;
+        pulsar(m, teclas);
+        QCOMPARE(m.Pantalla(), pantalla);
+        QCOMPARE(papel(m), tape);
+        QCOMPARE(::estado(m), estado);
+    }
+
+    // Entries, results and tape under a comma-decimal locale; the state keeps its "." texts.
+    void comaDecimal_data()
+    {
+        QTest::addColumn<QString>("teclas");
+        QTest::addColumn<QString>("pantalla");
+        QTest::addColumn<QString>("tape");
+        QTest::addColumn<QString>("resultado");
+        QTest::newRow("entrada") << u"1234.5"_qs << u"1.234,50  "_qs << u""_qs << u""_qs;
+        QTest::newRow("miles") << u"1234567*1000="_qs << u"1.234.567.000,00 ="_qs
+                               << u"1.234.567,00 *|1.000,00 =|1.234.567.000,00 ="_qs << u"1234567000 ="_qs;
+        QTest::newRow("decimales") << u"2.5/4="_qs << u"0,63 ="_qs << u"2,50 /|4,00 =|0,63 ="_qs
+                                   << u"0.625 ="_qs;
+        QTest::newRow("conversión") << u"1P"_qs << u"166,39 P"_qs << u"1,00 P|166,39 P"_qs
+                                    << u"166.386 P"_qs;
+    }
+    void comaDecimal()
+    {
+        QFETCH(QString, teclas);
+        QFETCH(QString, pantalla);
+        QFETCH(QString, tape);
+        QFETCH(QString, resultado);
+        QLocale::setDefault(QLocale(u"es_ES"_qs));
+        MotorCalculadora m;
+        pulsar(m, teclas);
+        QCOMPARE(m.Pantalla(), pantalla);
+        QCOMPARE(papel(m), tape);
+        QCOMPARE(m.Resultado, resultado);
+    }
+
+    void decimales_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QStringList>("pantallas");
+        QTest::newRow("C") << u"C"_qs
+                           << QStringList{u"12.346  "_qs, u"12.3456  "_qs, u"12.34560  "_qs, u"12.35  "_qs};
+        QTest::newRow("es") << u"es_ES"_qs
+                            << QStringList{u"12,346  "_qs, u"12,3456  "_qs, u"12,34560  "_qs, u"12,35  "_qs};
+    }
+    void decimales()
+    {
+        QFETCH(QString, locale);
+        QFETCH(QStringList, pantallas);
+        QLocale::setDefault(QLocale(locale));
+        MotorCalculadora m;
+        pulsar(m, u"12.3456"_qs);
+        const QStringList botones{u"3d"_qs, u"4d"_qs, u"5d"_qs, u"2d"_qs};
+        for (int i = 0; i < pantallas.size(); ++i) {
+            m.CambiarDecimales();
+            QCOMPARE(m.TextoDecimales(), botones[i]);
+            QCOMPARE(m.Pantalla(), pantallas[i]);
+            QCOMPARE(m.LineaPantalla(), u"12.3456  "_qs);
+        }
+    }
+
+    // Arithmetic errors end the key; the state keeps what the key had changed before.
+    void errores_data()
+    {
+        QTest::addColumn<QString>("teclas");
+        QTest::addColumn<int>("numero");
+        QTest::addColumn<QString>("pantalla");
+        QTest::addColumn<QString>("tape");
+        QTest::addColumn<QString>("estado");
+        const QString e300 = u"1"_qs + QString(300, u'0');
+        QTest::newRow("impuesto al -100") << u"5IS100="_qs << 11 << u"-100.00 ="_qs
+                                          << u"5.00 I|-100.00 ="_qs << u"|5 I|-100 =||-100"_qs;
+        QTest::newRow("neto al -100") << u"5NS100="_qs << 11 << u"-100.00 ="_qs
+                                      << u"5.00 N|-100.00 ="_qs << u"|5 N|-100 =||-100"_qs;
+        QTest::newRow("cero impuesto al -100") << u"0IS100="_qs << 6 << u"-100.00 ="_qs
+                                               << u"0.00 I|-100.00 ="_qs << u"|0 I|-100 =||-100"_qs;
+        QTest::newRow("producto desbordado") << e300 + u"*"_qs + e300 + u"="_qs << 6 << QString()
+                                             << QString() << u"|"_qs + e300 + u" *|"_qs + e300 + u" =||"_qs + e300;
+        QTest::newRow("entrada demasiado larga") << u"1"_qs + QString(309, u'0') << 6
+                                                 << QString() << u""_qs
+                                                 << u"1"_qs + QString(309, u'0') + u"||||"_qs;
+        QTest::newRow("pesetas desbordadas") << u"2"_qs + QString(306, u'0') + u"P"_qs << 6
+                                             << QString() << QString()
+                                             << u"2"_qs + QString(306, u'0') + u" P||||2"_qs + QString(306, u'0');
+    }
+    void errores()
+    {
+        QFETCH(QString, teclas);
+        QFETCH(int, numero);
+        QFETCH(QString, pantalla);
+        QFETCH(QString, tape);
+        QFETCH(QString, estado);
+        QLocale::setDefault(QLocale::c());
+        MotorCalculadora m;
+        int lanzado = 0;
+        try {
+            pulsar(m, teclas);
+        } catch (const ErrorEjecucion &e) {
+            lanzado = e.numero();
+        }
+        QCOMPARE(lanzado, numero);
+        if (!pantalla.isNull())
+            QCOMPARE(m.Pantalla(), pantalla);
+        if (!tape.isNull())
+            QCOMPARE(papel(m), tape);
+        QCOMPARE(::estado(m), estado);
+        // The calculator goes on working after the error.
+        pulsar(m, u"C2+3="_qs);
+        QCOMPARE(m.Pantalla(), u"5.00 ="_qs);
+    }
+
+    void clearVaciaElPapel()
+    {
+        MotorCalculadora m;
+        int borrados = 0;
+        m.AlBorrarPapel = [&] { ++borrados; };
+        pulsar(m, u"5+3=C"_qs);
+        QCOMPARE(borrados, 1);
+        QCOMPARE(m.Papel(), QString());
+        QCOMPARE(m.LineaPantalla(), u"0.00  "_qs);
+    }
+
+    void sinOperador_data()
+    {
+        QTest::addColumn<QString>("linea");
+        QTest::addColumn<QString>("sin");
+        QTest::addColumn<double>("numero");
+        QTest::newRow("operando") << u"5 +"_qs << u"5"_qs << 5.0;
+        QTest::newRow("entrada con dos blancos") << u"12.5  "_qs << u"12.5"_qs << 12.5;
+        QTest::newRow("negativo") << u"-5.5 ="_qs << u"-5.5"_qs << -5.5;
+        QTest::newRow("sólo operador") << u" ="_qs << u""_qs << 0.0;
+        QTest::newRow("sin blanco") << u"5+"_qs << u"5+"_qs << 5.0;
+        QTest::newRow("un carácter") << u"7"_qs << u"7"_qs << 7.0;
+        QTest::newRow("vacío") << u""_qs << u""_qs << 0.0;
+        QTest::newRow("exponente de un resultado") << u"1E+20 ="_qs << u"1E+20"_qs << 1e20;
+        QTest::newRow("letra tras el número") << u"3.5E"_qs << u"3.5E"_qs << 3.5;
+        QTest::newRow("sólo signo") << u"-  "_qs << u"-"_qs << 0.0;
+    }
+    void sinOperador()
+    {
+        QFETCH(QString, linea);
+        QFETCH(QString, sin);
+        QFETCH(double, numero);
+        QCOMPARE(SinOperador(linea), sin);
+        QCOMPARE(LeerNumero(SinOperador(linea)), numero);
+    }
+
+    void teclado_data()
+    {
+        QTest::addColumn<int>("codigo");
+        QTest::addColumn<int>("indice");
+        QTest::newRow("Intro es igual") << 13 << 18;
+        QTest::newRow("retroceso borra") << 8 << 12;
+        QTest::newRow("n minúscula") << int('n') << 19;
+        QTest::newRow("I mayúscula") << int('I') << 20;
+        QTest::newRow("c minúscula") << int('c') << 21;
+        QTest::newRow("s minúscula") << int('s') << 16;
+        QTest::newRow("e minúscula") << int('e') << 22;
+        QTest::newRow("p minúscula") << int('p') << 23;
+        QTest::newRow("siete") << int('7') << 0;
+        QTest::newRow("cero") << int('0') << 10;
+        QTest::newRow("punto") << int('.') << 9;
+        QTest::newRow("coma no es tecla") << int(',') << -1;
+        QTest::newRow("d no es tecla") << int('d') << -1;
+        QTest::newRow("x no es por") << int('x') << -1;
+        QTest::newRow("escape no es tecla") << 27 << -1;
+        QTest::newRow("nulo") << 0 << -1;
+    }
+    void teclado()
+    {
+        QFETCH(int, codigo);
+        QFETCH(int, indice);
+        QCOMPARE(IndiceDeTecla(codigo), indice);
+    }
+
+    void pegar_data()
+    {
+        QTest::addColumn<QString>("portapapeles");
+        QTest::addColumn<QString>("tecleado");
+        QTest::newRow("coma decimal y miles") << u"1.234,56"_qs << u"1234.56"_qs;
+        QTest::newRow("punto decimal") << u"1234.56"_qs << u"1234.56"_qs;
+        QTest::newRow("miles en punto sin coma quedan") << u"1.234.567"_qs << u"1.234.567"_qs;
+        QTest::newRow("sólo coma") << u"0,5"_qs << u"0.5"_qs;
+        QTest::newRow("letras pasan") << u"c12"_qs << u"c12"_qs;
+    }
+    void pegar()
+    {
+        QFETCH(QString, portapapeles);
+        QFETCH(QString, tecleado);
+        QCOMPARE(TextoParaPegar(portapapeles), tecleado);
+    }
+
+    void lineaComandos_data()
+    {
+        QTest::addColumn<QString>("linea");
+        QTest::addColumn<bool>("hay");
+        QTest::addColumn<double>("factor");
+        QTest::newRow("vacía") << u""_qs << false << 0.0;
+        QTest::newRow("otra cosa") << u"2"_qs << false << 0.0;
+        QTest::newRow("más dos") << u"+2"_qs << true << 2.0;
+        QTest::newRow("más solo") << u"+"_qs << true << 1.0;
+        QTest::newRow("más cero") << u"+0"_qs << true << 1.0;
+        QTest::newRow("más decimal") << u"+1.5"_qs << true << 1.5;
+        QTest::newRow("más con blanco") << u"+ 2"_qs << true << 2.0;
+        QTest::newRow("blanco delante") << u" +2"_qs << false << 0.0;
+        QTest::newRow("negativo vale uno") << u"+-2"_qs << true << 1.0;
+    }
+    void lineaComandos()
+    {
+        QFETCH(QString, linea);
+        QFETCH(bool, hay);
+        QFETCH(double, factor);
+        double f = 0.0;
+        QCOMPARE(FactorDeLineaComandos(linea, f), hay);
+        if (hay)
+            QCOMPARE(f, factor);
+    }
+};
+
+QTEST_GUILESS_MAIN(TstMotorCalculadora)
+#include "tst_motorcalculadora.moc"
