@@ -1,5 +1,9 @@
 #pragma once
-// The proportional layout's scale factors and the pure scaling maths (no widgets).
+// The proportional layout's scale factors and the pure scaling maths (no widgets). Windows are
+// designed at one size and shown larger on larger screens: one factor, the same for both
+// directions, scales a window, its controls, their fonts and grid columns.
+#include <optional>
+
 namespace kvr {
 
 // Horizontal and vertical scale factors; 0 means not computed yet. After a computation both
@@ -14,5 +18,33 @@ float EscalaX(float v);
 float EscalaY(float v);
 // v times the mean of both factors; unchanged when either factor is 0 or SinEscalar is raised.
 float EscalaFuente(float v);
+
+// A twip is 1/1440 inch; twips per pixel = TwipsPorPulgada / logical dpi.
+constexpr float TwipsPorPulgada = 1440.0f;
+// A control whose left edge (in twips) lies below this is parked out of sight.
+constexpr float LimiteAparcado = -50000.0f;
+// Parked controls are scaled about this left edge (in twips) so that they stay out of sight.
+constexpr float OrigenAparcado = -75000.0f;
+
+// The common factor for a window of `anchoVentana` x `altoVentana` pixels on a work area of
+// `anchoUtil` x `altoUtil` twips. `ancho` / `alto` 0 aim halfway between the window and the
+// work area; otherwise they are the wanted size in pixels. The smaller of the horizontal and
+// vertical factors is returned. nullopt when the window has no size or the result is not a
+// positive finite number (there is nothing to scale from).
+std::optional<float> FactorProporcional(float anchoVentana, float altoVentana, float anchoUtil,
+                                        float altoUtil, float ancho, float alto,
+                                        float twipsPorPixelX, float twipsPorPixelY);
+// FactorProporcional stored in FactorX and FactorY. Returns false (factors unchanged) when no
+// factor can be computed.
+bool CalcularFactores(float anchoVentana, float altoVentana, float anchoUtil, float altoUtil,
+                      float ancho, float alto, float twipsPorPixelX, float twipsPorPixelY);
+
+// A control's scaled left edge, in the window's unit (`twipsPorPixel` 1 when it is twips).
+// A control parked below LimiteAparcado twips is scaled about OrigenAparcado, so it stays parked.
+float EscalaIzquierda(float izquierda, float twipsPorPixel = 1.0f);
+
+// Left (or top) edge, in pixels, that centres a window `tamano` pixels wide on a work area
+// `util` twips wide: (util - tamano) / 2 + 1 twip, measured from the work area's edge.
+float PosicionCentrada(float util, float tamano, float twipsPorPixel);
 
 } // namespace kvr

@@ -8,7 +8,12 @@
 #include <kvr/valores.h>
 #include <kvr/campos.h>
 #include <kvr/escala.h>
+#include <kvr/layout.h>
+#include <kvr/comunes.h>
+#include <kvr/utilidades.h>
 #include <kvr/rtimekvr.h>
+#include <kvr/motorcalculadora.h>
+#include <kvr/micalc.h>
 #include <kvr/rtf.h>
 #include <kvr/rtfdocumento.h>
 #include <kvr/minihelp.h>

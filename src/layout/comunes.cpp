@@ -1,0 +1,238 @@
+// Shared routines without widgets: the DOS code page, file existence, number formatters for
+// grids and reports, reading a text file by lines and list texts.
+#include "kvr/comunes.h"
+#include "kvr/error.h"
+#include "kvr/numeros.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QStringDecoder>
+
+#include <array>
+#include <iconv.h>
+
+namespace kvr {
+
+bool SinConvertirJuego = false;
+
+namespace {
+
+// CP850 is a single-byte set: each of its 256 bytes stands for one character of the Basic
+// Multilingual Plane. The table is asked of glibc's iconv once, byte by byte, so the runtime
+// agrees with `iconv -f CP850` exactly.
+struct TablaDos {
+    std::array<char16_t, 256> aTexto{};
+    QHash<char16_t, char> aDos;
+
+    TablaDos()
+    {
+        bool completa = leerDeIconv();
+        if (!completa) {
+            // Without glibc's CP850 module, ICU's IBM850 is the next maintained table; it swaps
+            // three control characters, put back here to keep files identical.
+            QStringDecoder icu("IBM850");
+            if (icu.isValid()) {
+                for (int b = 0; b < 256; ++b) {
+                    const char c = char(b);
+                    const QString t = icu.decode(QByteArrayView(&c, 1));
+                    aTexto[size_t(b)] = t.size() == 1 ? t[0].unicode() : char16_t(b);
+                }
+                aTexto[0x1A] = 0x1A;
+                aTexto[0x1C] = 0x1C;
+                aTexto[0x7F] = 0x7F;
+            } else {
+                for (int b = 0; b < 256; ++b)
+                    aTexto[size_t(b)] = char16_t(b);
+            }
+        }
+        for (int b = 255; b >= 0; --b)
+            aDos.insert(aTexto[size_t(b)], char(b));
+    }
+
+    bool leerDeIconv()
+    {
+        iconv_t cd = iconv_open("UTF-16LE", "CP850");
+        if (cd == iconv_t(-1))
+            return false;
+        bool ok = true;
+        for (int b = 0; b < 256 && ok; ++b) {
+            char entrada = char(b);
+            unsigned char salida[4] = {};
+            char *pe = &entrada;
+            char *ps = reinterpret_cast<char *>(salida);
+            size_t ne = 1, ns = sizeof salida;
+            ok = iconv(cd, &pe, &ne, &ps, &ns) != size_t(-1) && ns == sizeof salida - 2;
+            aTexto[size_t(b)] = char16_t(salida[0] | (salida[1] << 8));
+        }
+        iconv_close(cd);
+        return ok;
+    }
+};
+
+const TablaDos &tabla()
+{
+    static const TablaDos t;
+    return t;
+}
+
+char aByteDos(QChar c)
+{
+    if (c.unicode() == 0)
+        return ' ';
+    return tabla().aDos.value(c.unicode(), '?');
+}
+
+QChar aCaracter(unsigned char b)
+{
+    return b == 0 ? QChar(u' ') : QChar(tabla().aTexto[b]);
+}
+
+} // namespace
+
+QString ConvertirJuego(const QString &texto, const QString &sentido)
+{
+    QString r = texto;
+    r.replace(QChar(u'\0'), QChar(u' '));
+    if (SinConvertirJuego)
+        return r;
+    const QString s = sentido.toLower();
+    if (s == u"win") {
+        for (QChar &c : r) {
+            if (c.unicode() < 256)
+                c = aCaracter(static_cast<unsigned char>(c.unicode()));
+        }
+    } else if (s == u"dos") {
+        for (QChar &c : r)
+            c = QChar(char16_t(static_cast<unsigned char>(aByteDos(c))));
+    }
+    return r;
+}
+
+QString TextoDeDos(const QByteArray &bytes)
+{
+    if (SinConvertirJuego)
+        return QString::fromLatin1(bytes).replace(QChar(u'\0'), QChar(u' '));
+    QString r(bytes.size(), Qt::Uninitialized);
+    QChar *d = r.data();
+    for (const char b : bytes)
+        *d++ = aCaracter(static_cast<unsigned char>(b));
+    return r;
+}
+
+QByteArray BytesDeDos(const QString &texto)
+{
+    if (SinConvertirJuego)
+        return ConvertirJuego(texto, QString()).toLatin1();
+    QByteArray r(texto.size(), Qt::Uninitialized);
+    char *d = r.data();
+    for (const QChar c : texto)
+        *d++ = aByteDos(c);
+    return r;
+}
+
+bool Existe(const QString &ruta, bool carpeta)
+{
+    if (ruta.isEmpty())
+        return false;
+    const QFileInfo fi(ruta);
+    if (!fi.exists())
+        return false;
+    return !carpeta || fi.isDir();
+}
+
+QString FormatoImporte(const QString &valor, const QString &formato, bool conCeros)
+{
+    const double n = Val(valor);
+    if (!conCeros && n == 0.0)
+        return QString();
+    return Formato(n, formato.isEmpty() ? QStringLiteral("#,##0.00") : formato);
+}
+
+QString FormatoFijo(double valor, int ancho, const QString &formato)
+{
+    if (ancho < -32768 || ancho > 32767)
+        throw ErrorEjecucion(ErrorEjecucion::Desbordamiento);
+    QString r = Formato(valor, formato.isEmpty() ? QStringLiteral("0.00") : formato);
+    if (ancho >= 1) {
+        if (r.size() < ancho)
+            r.prepend(QString(ancho - r.size(), u' '));
+        r = r.right(ancho);
+    }
+    const qsizetype coma = r.indexOf(u',');
+    if (coma >= 0)
+        r[coma] = u'.';
+    return r;
+}
+
+QStringList LeerLineas(const QString &ruta)
+{
+    if (!Existe(ruta, false))
+        return {};
+    QFile f(ruta);
+    if (QFileInfo(ruta).isDir() || !f.open(QIODevice::ReadOnly))
+        throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
+                             QStringLiteral("No se puede leer el fichero %1").arg(ruta));
+    const QByteArray bytes = f.readAll();
+    f.close();
+
+    QString texto;
+    {
+        QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+        texto = utf8.decode(bytes);
+        if (utf8.hasError()) {
+            QStringDecoder ansi("windows-1252");
+            texto = ansi.isValid() ? QString(ansi.decode(bytes)) : QString::fromLatin1(bytes);
+        }
+    }
+    if (texto.startsWith(QChar(0xFEFF)))
+        texto.remove(0, 1);
+
+    QStringList lineas;
+    qsizetype inicio = 0;
+    const qsizetype n = texto.size();
+    for (qsizetype i = 0; i < n; ++i) {
+        const QChar c = texto[i];
+        if (c == u'\r' || c == u'\n') {
+            lineas.append(texto.mid(inicio, i - inicio));
+            if (c == u'\r' && i + 1 < n && texto[i + 1] == u'\n')
+                ++i;
+            inicio = i + 1;
+        }
+    }
+    if (inicio < n)
+        lineas.append(texto.mid(inicio));
+    return lineas;
+}
+
+QStringList EntradasDeLista(const QString &lista)
+{
+    if (lista.startsWith(u'@'))
+        return LeerLineas(lista.mid(1));
+    QString separador;
+    if (lista.contains(u"<<"))
+        separador = QStringLiteral("<<");
+    if (lista.contains(u';'))
+        separador = QStringLiteral(";");
+    QStringList entradas;
+    QString resto = lista;
+    do {
+        qsizetype p = separador.isEmpty() ? -1 : resto.indexOf(separador);
+        if (p < 0) {
+            entradas.append(resto);
+            resto.clear();
+        } else {
+            entradas.append(resto.left(p));
+            resto.remove(0, p + separador.size());
+        }
+    } while (!resto.isEmpty());
+    return entradas;
+}
+
+int IndiceEnLista(const QStringList &nombres, const QString &actual)
+{
+    const qsizetype i = nombres.indexOf(actual);
+    return i < 0 ? 0 : int(i);
+}
+
+} // namespace kvr
