@@ -1,0 +1,352 @@
+// Sorting the grid's rows. Every row gets a byte key built from its key cells, such that
+// comparing two keys byte by byte (shorter first when one ends) gives the mode's order; the
+// rows are then sorted by those keys with the row's position as the last tie-break, which makes
+// the sort stable in both directions. The keys exist only while the sort runs.
+//
+// Key bytes: 0x00 ends a column's text key, 0x01 separates the levels of a text key, and
+// weights are 0x02 and above. A text key has up to three levels, as a desk collation does:
+// letters without accents or case (n < ñ < o, á sorts with a), then accents, then case
+// (lower case first). Trailing neutral weights of the second and third levels are dropped, so a
+// plain lower-case ASCII text has a one-level key.
+#include "kvr/rejilla.h"
+
+#include "kvr/numeros.h"
+
+#include <QChar>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+
+namespace kvr {
+
+namespace {
+
+enum : unsigned char { Fin = 0x00, Nivel = 0x01, Neutro = 0x02, Escape = 0xF0 };
+
+// Accent weights of the second level.
+enum : unsigned char { Agudo = 3, Grave, Circunflejo, Tilde, Dieresis, Anillo, Cedilla, Barra, OtroAcento };
+
+struct Peso {
+    unsigned char primario = 0; // 0: no single-byte weight, use the escape form
+    unsigned char acento = Neutro;
+    bool mayuscula = false;
+};
+
+unsigned char pesoLetra(char minuscula)
+{
+    // a..n, then ñ, then o..z, all above digits and punctuation.
+    if (minuscula <= 'n')
+        return static_cast<unsigned char>(0x81 + (minuscula - 'a'));
+    return static_cast<unsigned char>(0x90 + (minuscula - 'o'));
+}
+constexpr unsigned char PesoEnye = 0x8F;
+
+std::array<Peso, 256> construirTabla()
+{
+    std::array<Peso, 256> t{};
+    for (int c = 0; c < 0x80; ++c) {
+        if (c >= 'a' && c <= 'z')
+            t[c] = {pesoLetra(char(c)), Neutro, false};
+        else if (c >= 'A' && c <= 'Z')
+            t[c] = {pesoLetra(char(c - 'A' + 'a')), Neutro, true};
+        else
+            t[c] = {static_cast<unsigned char>(std::max(c + 1, 2)), Neutro, false};
+    }
+    // Latin-1 letters: base letter and accent, upper case at 0xC0..0xDE, lower at 0xE0..0xFE.
+    struct Base { char letra; unsigned char acento; };
+    static const Base latin[31] = {
+        {'a', Grave}, {'a', Agudo}, {'a', Circunflejo}, {'a', Tilde}, {'a', Dieresis}, {'a', Anillo},
+        {'a', OtroAcento}, {'c', Cedilla}, {'e', Grave}, {'e', Agudo}, {'e', Circunflejo},
+        {'e', Dieresis}, {'i', Grave}, {'i', Agudo}, {'i', Circunflejo}, {'i', Dieresis},
+        {'d', OtroAcento}, {'~', 0}, {'o', Grave}, {'o', Agudo}, {'o', Circunflejo}, {'o', Tilde},
+        {'o', Dieresis}, {0, 0}, {'o', Barra}, {'u', Grave}, {'u', Agudo}, {'u', Circunflejo},
+        {'u', Dieresis}, {'y', Agudo}, {0, 0}};
+    for (int i = 0; i < 31; ++i) {
+        const Base b = latin[i];
+        if (b.letra == 0)
+            continue;
+        const unsigned char primario = b.letra == '~' ? PesoEnye : pesoLetra(b.letra);
+        const unsigned char acento = b.letra == '~' ? static_cast<unsigned char>(Neutro) : b.acento;
+        t[0xC0 + i] = {primario, acento, true};
+        t[0xE0 + i] = {primario, acento, false};
+    }
+    t[0xDF] = {pesoLetra('s'), OtroAcento, false}; // ß
+    t[0xFF] = {pesoLetra('y'), Dieresis, false};   // ÿ
+    t[0xAA] = {pesoLetra('a'), OtroAcento, false}; // ª
+    t[0xBA] = {pesoLetra('o'), OtroAcento, false}; // º
+    return t;
+}
+
+const std::array<Peso, 256> &tabla()
+{
+    static const std::array<Peso, 256> t = construirTabla();
+    return t;
+}
+
+// Decodes one UTF-8 character (the grid only stores valid UTF-8).
+inline char32_t leerUtf8(const unsigned char *&p)
+{
+    const unsigned char b = *p++;
+    if (b < 0x80)
+        return b;
+    if (b < 0xE0) {
+        const char32_t c = char32_t(b & 0x1F) << 6 | (p[0] & 0x3F);
+        p += 1;
+        return c;
+    }
+    if (b < 0xF0) {
+        const char32_t c = char32_t(b & 0x0F) << 12 | char32_t(p[0] & 0x3F) << 6 | (p[1] & 0x3F);
+        p += 2;
+        return c;
+    }
+    const char32_t c = char32_t(b & 0x07) << 18 | char32_t(p[0] & 0x3F) << 12
+                       | char32_t(p[1] & 0x3F) << 6 | (p[2] & 0x3F);
+    p += 3;
+    return c;
+}
+
+// Appends the collation key of a UTF-8 text, with two levels or, when `conMayusculas`, three.
+void claveTexto(std::vector<char> &out, const char *datos, std::size_t largo, bool conMayusculas)
+{
+    thread_local std::string acentos, mayusculas;
+    acentos.clear();
+    mayusculas.clear();
+    std::size_t ultimoAcento = 0, ultimaMayuscula = 0;
+    const auto &t = tabla();
+    const unsigned char *p = reinterpret_cast<const unsigned char *>(datos);
+    const unsigned char *fin = p + largo;
+    while (p < fin) {
+        const char32_t c = leerUtf8(p);
+        Peso peso;
+        if (c < 256) {
+            peso = t[c];
+        } else {
+            const char32_t plegado = QChar::toCaseFolded(c);
+            peso.mayuscula = plegado != c;
+        }
+        if (peso.primario) {
+            out.push_back(char(peso.primario));
+        } else {
+            const char32_t plegado = c < 256 ? c : QChar::toCaseFolded(c);
+            out.push_back(char(Escape));
+            out.push_back(char(plegado >> 16));
+            out.push_back(char(plegado >> 8));
+            out.push_back(char(plegado));
+        }
+        acentos.push_back(char(peso.acento));
+        if (peso.acento != Neutro)
+            ultimoAcento = acentos.size();
+        if (conMayusculas) {
+            mayusculas.push_back(char(peso.mayuscula ? 3 : Neutro));
+            if (peso.mayuscula)
+                ultimaMayuscula = mayusculas.size();
+        }
+    }
+    if (ultimaMayuscula) {
+        out.push_back(char(Nivel));
+        out.insert(out.end(), acentos.begin(), acentos.begin() + std::ptrdiff_t(ultimoAcento));
+        out.push_back(char(Nivel));
+        out.insert(out.end(), mayusculas.begin(), mayusculas.begin() + std::ptrdiff_t(ultimaMayuscula));
+    } else if (ultimoAcento) {
+        out.push_back(char(Nivel));
+        out.insert(out.end(), acentos.begin(), acentos.begin() + std::ptrdiff_t(ultimoAcento));
+    }
+    out.push_back(char(Fin));
+}
+
+// Eight bytes whose byte order is the order of the numbers.
+void claveNumero(std::vector<char> &out, double v)
+{
+    if (v == 0.0)
+        v = 0.0; // -0 sorts with 0
+    uint64_t bits;
+    std::memcpy(&bits, &v, sizeof bits);
+    bits = (bits & (uint64_t(1) << 63)) ? ~bits : bits | (uint64_t(1) << 63);
+    for (int i = 7; i >= 0; --i)
+        out.push_back(char(bits >> (i * 8)));
+}
+
+// A cell's number for the numeric modes: by the regional settings, else the leading number.
+double numeroDe(const QString &texto)
+{
+    bool ok = false;
+    const double v = ValorRegional(texto, &ok);
+    if (ok)
+        return v;
+    try {
+        return Val(texto);
+    } catch (...) {
+        return 0.0;
+    }
+}
+
+bool puedeSerNumero(const char *datos, std::size_t largo)
+{
+    for (std::size_t i = 0; i < largo; ++i) {
+        const char c = datos[i];
+        if (c == ' ')
+            continue;
+        return (c >= '0' && c <= '9') || c == '-' || c == '+' || c == '.' || c == ',';
+    }
+    return false;
+}
+
+enum : unsigned char { ClaseVacia = 2, ClaseNumero = 3, ClaseTexto = 4 };
+
+struct Elemento {
+    uint64_t prefijo;
+    uint32_t indice;
+};
+
+} // namespace
+
+void Rejilla::Sort(int modo)
+{
+    if (modo < OrdenGenericoAsc || modo > OrdenTextoDesc || Cols() == 0)
+        return;
+    const int f0 = m_filasFijas;
+    const int n = Rows() - f0;
+    if (n < 2)
+        return;
+    const int c0 = std::min(m_col, m_colSel), c1 = std::max(m_col, m_colSel);
+    const bool descendente = modo % 2 == 0;
+    const int tipo = (modo + 1) / 2; // 1 generic, 2 numeric, 3 text without case, 4 text
+
+    std::vector<char> claves;
+    std::vector<uint32_t> inicios;
+    inicios.reserve(std::size_t(n) + 1);
+    std::size_t estimado = 0;
+    for (int c = c0; c <= c1; ++c)
+        estimado += m_columnas[std::size_t(c)].bytes.size() - m_columnas[std::size_t(c)].basura;
+    claves.reserve(estimado + std::size_t(n) * std::size_t(c1 - c0 + 1) * 2);
+
+    for (int i = 0; i < n; ++i) {
+        inicios.push_back(uint32_t(claves.size()));
+        const uint32_t r = ranura(f0 + i);
+        for (int c = c0; c <= c1; ++c) {
+            const Columna &col = m_columnas[std::size_t(c)];
+            const uint64_t ref = col.refs[r];
+            const char *datos = col.bytes.data() + (ref >> 24);
+            const std::size_t largo = std::size_t(ref & 0xFFFFFF);
+            switch (tipo) {
+            case 1:
+                if (largo == 0) {
+                    claves.push_back(char(ClaseVacia));
+                    break;
+                }
+                if (puedeSerNumero(datos, largo)) {
+                    bool ok = false;
+                    const double v = ValorRegional(QString::fromUtf8(datos, qsizetype(largo)), &ok);
+                    if (ok) {
+                        claves.push_back(char(ClaseNumero));
+                        claveNumero(claves, v);
+                        break;
+                    }
+                }
+                claves.push_back(char(ClaseTexto));
+                claveTexto(claves, datos, largo, true);
+                break;
+            case 2:
+                claveNumero(claves, largo ? numeroDe(QString::fromUtf8(datos, qsizetype(largo))) : 0.0);
+                break;
+            default:
+                claveTexto(claves, datos, largo, tipo == 4);
+                break;
+            }
+        }
+    }
+    inicios.push_back(uint32_t(claves.size()));
+    ordenarClaves(claves, inicios, descendente);
+}
+
+void Rejilla::OrdenarPorValores(const std::vector<std::optional<double>> &valores, bool descendente,
+                                int colTexto)
+{
+    const Columna *textos = colTexto >= 0 && colTexto < Cols() ? &m_columnas[std::size_t(colTexto)]
+                                                                 : nullptr;
+    const int f0 = m_filasFijas;
+    const int n = Rows() - f0;
+    if (n < 2)
+        return;
+    std::vector<char> claves;
+    std::vector<uint32_t> inicios;
+    claves.reserve(std::size_t(n) * 9);
+    inicios.reserve(std::size_t(n) + 1);
+    for (int i = 0; i < n; ++i) {
+        inicios.push_back(uint32_t(claves.size()));
+        const std::optional<double> v = std::size_t(i) < valores.size() ? valores[std::size_t(i)]
+                                                                         : std::nullopt;
+        if (v && !std::isnan(*v)) {
+            claves.push_back(char(ClaseNumero));
+            claveNumero(claves, *v);
+            continue;
+        }
+        const uint64_t ref = textos ? textos->refs[ranura(f0 + i)] : 0;
+        if (ref & 0xFFFFFF) {
+            claves.push_back(char(ClaseTexto));
+            claveTexto(claves, textos->bytes.data() + (ref >> 24), std::size_t(ref & 0xFFFFFF), true);
+        } else {
+            claves.push_back(char(ClaseVacia));
+        }
+    }
+    inicios.push_back(uint32_t(claves.size()));
+    ordenarClaves(claves, inicios, descendente);
+}
+
+void Rejilla::ordenarClaves(const std::vector<char> &claves, const std::vector<uint32_t> &inicios,
+                            bool descendente)
+{
+    const std::size_t n = inicios.size() - 1;
+    const unsigned char *base = reinterpret_cast<const unsigned char *>(claves.data());
+    std::vector<Elemento> elementos(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        const unsigned char *k = base + inicios[i];
+        const std::size_t largo = inicios[i + 1] - inicios[i];
+        uint64_t prefijo = 0;
+        for (std::size_t b = 0; b < 8; ++b)
+            prefijo = prefijo << 8 | (b < largo ? k[b] : 0);
+        elementos[i] = {prefijo, uint32_t(i)};
+    }
+    // Byte comparison of the whole keys once the 8-byte prefixes are equal.
+    auto resto = [&](uint32_t a, uint32_t b) {
+        const std::size_t la = inicios[a + 1] - inicios[a], lb = inicios[b + 1] - inicios[b];
+        if (la <= 8 && lb <= 8)
+            return 0;
+        const std::size_t m = std::min(la, lb);
+        if (m > 8) {
+            const int r = std::memcmp(base + inicios[a] + 8, base + inicios[b] + 8, m - 8);
+            if (r)
+                return r;
+        }
+        return la < lb ? -1 : (la > lb ? 1 : 0);
+    };
+    if (descendente) {
+        std::sort(elementos.begin(), elementos.end(), [&](const Elemento &x, const Elemento &y) {
+            if (x.prefijo != y.prefijo)
+                return x.prefijo > y.prefijo;
+            const int r = resto(x.indice, y.indice);
+            return r ? r > 0 : x.indice < y.indice;
+        });
+    } else {
+        std::sort(elementos.begin(), elementos.end(), [&](const Elemento &x, const Elemento &y) {
+            if (x.prefijo != y.prefijo)
+                return x.prefijo < y.prefijo;
+            const int r = resto(x.indice, y.indice);
+            return r ? r < 0 : x.indice < y.indice;
+        });
+    }
+
+    const bool a = avisar();
+    if (a)
+        paraOyentes([](OyenteRejilla *o) { o->antesDeReiniciar(); });
+    const std::size_t f0 = std::size_t(m_filasFijas);
+    std::vector<uint32_t> datos(m_orden.begin() + std::ptrdiff_t(f0), m_orden.end());
+    for (std::size_t i = 0; i < n; ++i)
+        m_orden[f0 + i] = datos[elementos[i].indice];
+    if (a)
+        paraOyentes([](OyenteRejilla *o) { o->reiniciada(); });
+}
+
+} // namespace kvr
