@@ -16,3 +16,5 @@
 #include <kvr/rtf.h>
 #include <kvr/rtfdocumento.h>
 #include <kvr/minihelp.h>
+#include <kvr/rejilla.h>
+#include <kvr/mivisor.h>
