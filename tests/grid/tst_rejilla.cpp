@@ -1,0 +1,309 @@
+// The grid model: rows and cells, AddItem/RemoveItem/Clip, the sort modes and their stability,
+// and the change notices a view follows (deferred while Redraw is off).
+#include <kvr/error.h>
+#include <kvr/rejilla.h>
+
+#include <QtTest>
+
+using namespace kvr;
+
+namespace {
+
+// A grid with one fixed title row and the data rows given as TAB-separated texts.
+void llenar(Rejilla &r, int cols, const QStringList &filas)
+{
+    r.PonerFixedCols(0);
+    r.PonerCols(cols);
+    r.PonerRows(1);
+    for (const QString &f : filas)
+        r.AddItem(f);
+}
+
+// The data rows of a grid as one compact text: cells joined by "," and rows by "|".
+QString datos(const Rejilla &r)
+{
+    QStringList filas;
+    for (int f = r.FixedRows(); f < r.Rows(); ++f) {
+        QStringList celdas;
+        for (int c = 0; c < r.Cols(); ++c)
+            celdas << r.TextMatrix(f, c);
+        filas << celdas.join(u',');
+    }
+    return filas.join(u'|');
+}
+
+struct Registro : OyenteRejilla {
+    QStringList avisos;
+    void antesDeReiniciar() override { avisos << u"antesReinicio"_qs; }
+    void reiniciada() override { avisos << u"reinicio"_qs; }
+    void antesDeInsertarFilas(int a, int b) override { avisos << u"insertar %1-%2"_qs.arg(a).arg(b); }
+    void antesDeQuitarFilas(int a, int b) override { avisos << u"quitar %1-%2"_qs.arg(a).arg(b); }
+    void celdasCambiadas(int f0, int c0, int f1, int c1) override
+    {
+        avisos << u"celdas %1,%2-%3,%4"_qs.arg(f0).arg(c0).arg(f1).arg(c1);
+    }
+};
+
+} // namespace
+
+class TstRejilla : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase() { QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain)); }
+
+    void ordenar_data()
+    {
+        // Column 0 is the key, column 1 the row's original position (to see stability).
+        QTest::addColumn<int>("modo");
+        QTest::addColumn<QStringList>("claves");
+        QTest::addColumn<QString>("orden");
+        const QStringList mayus{u"ana"_qs, u"Bea"_qs, u"Ana"_qs, u"bea"_qs, u"ANA"_qs};
+        QTest::newRow("sin mayúsculas asc estable") << 5 << mayus << u"0,2,4,1,3"_qs;
+        QTest::newRow("sin mayúsculas desc estable") << 6 << mayus << u"1,3,0,2,4"_qs;
+        QTest::newRow("con mayúsculas: minúscula antes") << 7 << mayus << u"0,2,4,3,1"_qs;
+        QTest::newRow("con mayúsculas desc") << 8 << mayus << u"1,3,4,2,0"_qs;
+        const QStringList acentos{u"Ñu"_qs, u"Oso"_qs, u"nube"_qs, u"Álvaro"_qs, u"alba"_qs, u"Zoe"_qs};
+        QTest::newRow("ñ tras n, á con a") << 5 << acentos << u"4,3,2,0,1,5"_qs;
+        const QStringList tilde{u"José"_qs, u"Jose"_qs, u"Josefa"_qs, u"jose"_qs};
+        QTest::newRow("acento tras la letra sola") << 5 << tilde << u"1,3,0,2"_qs;
+        const QStringList numeros{u"10"_qs, u"9"_qs, u"-2,5"_qs, u"abc"_qs, QString(), u"1.000"_qs};
+        QTest::newRow("genérico: vacío, números, texto") << 1 << numeros << u"4,2,1,0,5,3"_qs;
+        QTest::newRow("genérico desc") << 2 << numeros << u"3,5,0,1,2,4"_qs;
+        QTest::newRow("numérico: texto vale 0") << 3 << numeros << u"2,3,4,1,0,5"_qs;
+        QTest::newRow("numérico desc") << 4 << numeros << u"5,0,1,3,4,2"_qs;
+        QTest::newRow("texto: dígitos antes que letras") << 5 << numeros << u"4,2,5,0,1,3"_qs;
+        QTest::newRow("modo 0 no ordena") << 0 << mayus << u"0,1,2,3,4"_qs;
+        QTest::newRow("modo 9 no ordena") << 9 << mayus << u"0,1,2,3,4"_qs;
+        const QStringList largos{u"García López, María"_qs, u"García López, Mario"_qs,
+                                 u"garcía lópez, maría"_qs, u"García Lopez, Zoe"_qs};
+        QTest::newRow("claves largas iguales") << 5 << largos << u"0,2,1,3"_qs;
+    }
+    void ordenar()
+    {
+        QFETCH(int, modo);
+        QFETCH(QStringList, claves);
+        QFETCH(QString, orden);
+        Rejilla r;
+        QStringList filas;
+        for (int i = 0; i < claves.size(); ++i)
+            filas << claves[i] + u'\t' + QString::number(i);
+        llenar(r, 2, filas);
+        r.PonerCol(0);
+        r.Sort(modo);
+        QStringList vistos;
+        for (int f = 1; f < r.Rows(); ++f)
+            vistos << r.TextMatrix(f, 1);
+        QCOMPARE(vistos.join(u','), orden);
+        QCOMPARE(r.Col(), 0); // the sort moves rows, not the current cell
+    }
+
+    void ordenarVariasColumnas()
+    {
+        Rejilla r;
+        llenar(r, 3, {u"b\t2\tx"_qs, u"a\t2\ty"_qs, u"b\t1\tz"_qs, u"a\t10\tw"_qs});
+        r.PonerCol(0);
+        r.PonerColSel(1);
+        r.Sort(OrdenGenericoAsc);
+        QCOMPARE(datos(r), u"a,2,y|a,10,w|b,1,z|b,2,x"_qs);
+        // The selection may run right to left: the keys still go left to right.
+        r.PonerCol(1);
+        r.PonerColSel(0);
+        r.Sort(OrdenGenericoDesc);
+        QCOMPARE(datos(r), u"b,2,x|b,1,z|a,10,w|a,2,y"_qs);
+    }
+
+    void ordenarDejaFijasYAtributos()
+    {
+        Rejilla r;
+        llenar(r, 1, {u"c"_qs, u"a"_qs, u"b"_qs});
+        r.PonerTextMatrix(0, 0, u"Título"_qs);
+        r.PonerNegritaCelda(1, 0, true);   // "c"
+        r.PonerRowHeight(2, 0);            // "a" hidden
+        r.PonerCol(0);
+        r.Sort(OrdenTextoSinMayAsc);
+        QCOMPARE(r.TextMatrix(0, 0), u"Título"_qs);
+        QCOMPARE(datos(r), u"a|b|c"_qs);
+        QCOMPARE(r.RowHeight(1), 0);       // the hidden row moved with its text
+        QVERIFY(r.NegritaCelda(3, 0));
+        QVERIFY(!r.NegritaCelda(1, 0));
+    }
+
+    void filas_data()
+    {
+        QTest::addColumn<QString>("accion");
+        QTest::addColumn<QString>("esperado");
+        QTest::addColumn<int>("filas");
+        QTest::newRow("AddItem al final") << u"add:z"_qs << u"a,1|b,2|c,3|z,"_qs << 5;
+        QTest::newRow("AddItem en posición") << u"add1:x\ty"_qs << u"x,y|a,1|b,2|c,3"_qs << 5;
+        QTest::newRow("AddItem sobra columna") << u"add:p\tq\tr"_qs << u"a,1|b,2|c,3|p,q"_qs << 5;
+        QTest::newRow("AddItem con tab vacío") << u"add:\tq"_qs << u"a,1|b,2|c,3|,q"_qs << 5;
+        QTest::newRow("RemoveItem medio") << u"rem2"_qs << u"a,1|c,3"_qs << 3;
+        QTest::newRow("Rows menos") << u"rows2"_qs << u"a,1"_qs << 2;
+        QTest::newRow("Rows más vacías") << u"rows6"_qs << u"a,1|b,2|c,3|,|,"_qs << 6;
+        QTest::newRow("Clear") << u"clear"_qs << u",|,|,"_qs << 4;
+    }
+    void filas()
+    {
+        QFETCH(QString, accion);
+        QFETCH(QString, esperado);
+        QFETCH(int, filas);
+        Rejilla r;
+        llenar(r, 2, {u"a\t1"_qs, u"b\t2"_qs, u"c\t3"_qs});
+        if (accion.startsWith(u"add:"))
+            r.AddItem(accion.mid(4));
+        else if (accion.startsWith(u"add1:"))
+            r.AddItem(accion.mid(5), 1);
+        else if (accion.startsWith(u"rem"))
+            r.RemoveItem(accion.mid(3).toInt());
+        else if (accion.startsWith(u"rows"))
+            r.PonerRows(accion.mid(4).toInt());
+        else if (accion == u"clear")
+            r.Clear();
+        QCOMPARE(datos(r), esperado);
+        QCOMPARE(r.Rows(), filas);
+    }
+
+    void celdaReescrita()
+    {
+        // Longer and shorter texts, accents and characters outside the BMP keep their text.
+        Rejilla r;
+        llenar(r, 1, {u"corto"_qs});
+        const QStringList textos{u"un texto bastante más largo"_qs, u"ñ"_qs, QString(),
+                                 u"€ y 𝄞 música"_qs, u"x"_qs};
+        for (const QString &t : textos) {
+            r.PonerTextMatrix(1, 0, t);
+            QCOMPARE(r.TextMatrix(1, 0), t);
+        }
+        // Many rewrites do not let the garbage grow without bound.
+        for (int i = 0; i < 200000; ++i)
+            r.PonerTextMatrix(1, 0, i % 2 ? u"ab"_qs : u"abcdefghijklmnop"_qs);
+        QVERIFY(r.BytesOcupados() < 2 * 1024 * 1024);
+        QCOMPARE(r.BytesTexto(), qint64(2)); // the last text written, "ab"
+    }
+
+    void errores_data()
+    {
+        QTest::addColumn<QString>("accion");
+        QTest::addColumn<int>("numero");
+        QTest::newRow("fila fuera") << u"tm 9 0"_qs << int(ErrorFilaNoValida);
+        QTest::newRow("columna fuera") << u"tm 1 5"_qs << int(ErrorColumnaNoValida);
+        QTest::newRow("fila negativa") << u"row -1"_qs << int(ErrorFilaNoValida);
+        QTest::newRow("quitar la última fila de datos") << u"rem 1"_qs << int(ErrorQuitarUltimaFila);
+        QTest::newRow("quitar la fila fija") << u"rem 0"_qs << int(ErrorQuitarUltimaFila);
+        QTest::newRow("menos filas que las fijas") << u"rows 0"_qs << int(ErrorFilaNoValida);
+        QTest::newRow("AddItem más allá") << u"add 5"_qs << int(ErrorFilaNoValida);
+    }
+    void errores()
+    {
+        QFETCH(QString, accion);
+        QFETCH(int, numero);
+        Rejilla r; // 2 x 2, one fixed row
+        const QStringList p = accion.split(u' ');
+        try {
+            if (p[0] == u"tm")
+                r.TextMatrix(p[1].toInt(), p[2].toInt());
+            else if (p[0] == u"row")
+                r.PonerRow(p[1].toInt());
+            else if (p[0] == u"rem")
+                r.RemoveItem(p[1].toInt());
+            else if (p[0] == u"rows")
+                r.PonerRows(p[1].toInt());
+            else if (p[0] == u"add")
+                r.AddItem(u"x"_qs, p[1].toInt());
+            QFAIL("no error raised");
+        } catch (const ErrorEjecucion &e) {
+            QCOMPARE(e.numero(), numero);
+        }
+    }
+
+    void clip_data()
+    {
+        QTest::addColumn<int>("fila");
+        QTest::addColumn<int>("col");
+        QTest::addColumn<int>("filaSel");
+        QTest::addColumn<int>("colSel");
+        QTest::addColumn<QString>("clip");
+        QTest::newRow("una celda") << 2 << 1 << 2 << 1 << u"2b"_qs;
+        QTest::newRow("rectángulo") << 1 << 0 << 2 << 1 << u"1a\t1b\r2a\t2b"_qs;
+        QTest::newRow("selección invertida") << 3 << 2 << 2 << 1 << u"2b\t2c\r3b\t3c"_qs;
+        QTest::newRow("con títulos") << 0 << 2 << 1 << 2 << u"C\r1c"_qs;
+    }
+    void clip()
+    {
+        QFETCH(int, fila);
+        QFETCH(int, col);
+        QFETCH(int, filaSel);
+        QFETCH(int, colSel);
+        QFETCH(QString, clip);
+        Rejilla r;
+        llenar(r, 3, {u"1a\t1b\t1c"_qs, u"2a\t2b\t2c"_qs, u"3a\t3b\t3c"_qs});
+        r.PonerTextMatrix(0, 2, u"C"_qs);
+        r.PonerRow(fila);
+        r.PonerCol(col);
+        r.PonerRowSel(filaSel);
+        r.PonerColSel(colSel);
+        QCOMPARE(r.Clip(), clip);
+        // Pasting the text back into a cleared grid restores the same rectangle.
+        r.Clear();
+        r.PonerClip(clip);
+        QCOMPARE(r.Clip(), clip);
+    }
+
+    void pegarNoSaleDeLaSeleccion()
+    {
+        Rejilla r;
+        llenar(r, 3, {u"\t\t"_qs, u"\t\t"_qs, u"\t\t"_qs});
+        r.PonerRow(1);
+        r.PonerCol(1);
+        r.PonerRowSel(2);
+        r.PonerColSel(2);
+        r.PonerClip(u"a\tb\tc\r\nd\te\tf\r\ng\th"_qs);
+        QCOMPARE(datos(r), u",a,b|,d,e|,,"_qs);
+    }
+
+    void avisos()
+    {
+        Rejilla r;
+        llenar(r, 2, {u"b\t1"_qs, u"a\t2"_qs});
+        Registro reg;
+        r.AgregarOyente(&reg);
+        r.AddItem(u"c\t3"_qs, 1);
+        r.PonerTextMatrix(2, 1, u"x"_qs);
+        r.RemoveItem(3);
+        QCOMPARE(reg.avisos, (QStringList{u"insertar 1-1"_qs, u"celdas 2,1-2,1"_qs, u"quitar 3-3"_qs}));
+        // With Redraw off nothing is said; turning it back on gives one reset.
+        reg.avisos.clear();
+        r.PonerRedraw(false);
+        for (int i = 0; i < 100; ++i)
+            r.AddItem(u"z"_qs);
+        r.PonerCol(0);
+        r.Sort(OrdenTextoAsc);
+        QVERIFY(reg.avisos.isEmpty());
+        r.PonerRedraw(true);
+        QCOMPARE(reg.avisos, (QStringList{u"antesReinicio"_qs, u"reinicio"_qs}));
+        // Redraw off and on without a change says nothing.
+        reg.avisos.clear();
+        r.PonerRedraw(false);
+        r.PonerRedraw(true);
+        QVERIFY(reg.avisos.isEmpty());
+        r.QuitarOyente(&reg);
+        r.AddItem(u"w"_qs);
+        QVERIFY(reg.avisos.isEmpty());
+    }
+
+    void memoriaCompacta()
+    {
+        Rejilla r;
+        r.PonerFixedCols(0);
+        r.PonerCols(5);
+        r.PonerRows(1);
+        for (int i = 0; i < 20000; ++i)
+            r.AddItem(u"Nombre Apellido %1\t6%2\t01/02/2003\t1.234,56\tcorreo%1@ejemplo.es"_qs.arg(i).arg(i, 8, 10, QChar(u'0')));
+        QVERIFY(r.BytesTexto() > 20000 * 50);
+        QVERIFY2(r.BytesOcupados() <= 4 * r.BytesTexto(),
+                 qPrintable(u"%1 de %2"_qs.arg(r.BytesOcupados()).arg(r.BytesTexto())));
+    }
+};
+
+QTEST_GUILESS_MAIN(TstRejilla)
+#include "tst_rejilla.moc"
