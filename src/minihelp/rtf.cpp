@@ -451,9 +451,11 @@ private:
         if (w == "tab" || w == "cell" || w == "nestcell") { Texto(u"\t"); return; }
         if (w == "u") {
             const int u = n < 0 ? n + 65536 : n;
-            if (u > 0 && u < 65536)
+            // A code that is no character keeps its fallback visible.
+            if (u > 0 && u < 65536) {
                 Texto(QString(QChar(char16_t(u))));
-            saltar = e.uc;
+                saltar = e.uc;
+            }
             return;
         }
         if (w == "uc") { e.uc = std::clamp(n, 0, 16); return; }

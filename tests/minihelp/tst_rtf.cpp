@@ -1,0 +1,293 @@
+// The RTF reader on hand-written corner cases and on files written by a real word processor.
+//
+// The files in tests/data/rtf were made once from the sources beside them with LibreOffice 7.4:
+//   soffice --headless --convert-to rtf ayuda_formatos.fodt
+//   soffice --headless --infilter="HTML (StarWriter)" --convert-to rtf ayuda_simbolos.html
+// The tests read only the .rtf files; LibreOffice is not needed to run them.
+#include <kvr/rtf.h>
+
+#include <QFile>
+#include <QTest>
+
+using namespace kvr;
+
+namespace {
+
+QByteArray Datos(const char *nombre)
+{
+    QFile f(QStringLiteral(KVR_DATOS_RTF "/") + QLatin1String(nombre));
+    if (!f.open(QIODevice::ReadOnly))
+        qFatal("missing test file %s", nombre);
+    return f.readAll();
+}
+
+// The runs of a document as one compact line: paragraphs split by "/", runs by "|", each run's
+// formatting in brackets when it differs from the default ("b" bold, "i" italic, "u" underline,
+// "s" strike-out, "fsN" size, "fN" font, "cN" colour, "^" raised).
+QString Tramos(const DocumentoRtf &doc)
+{
+    QStringList parrafos;
+    for (const ParrafoRtf &p : doc.parrafos) {
+        QStringList tramos;
+        for (const TramoRtf &t : p.tramos) {
+            QString marca;
+            const FormatoRtf &f = t.formato;
+            if (f.negrita) marca += u'b';
+            if (f.cursiva) marca += u'i';
+            if (f.subrayado) marca += u'u';
+            if (f.tachado) marca += u's';
+            if (f.medioPuntos != 24) marca += QStringLiteral("fs%1").arg(f.medioPuntos);
+            if (f.fuente >= 0) marca += QStringLiteral("f%1").arg(f.fuente);
+            if (f.color != 0) marca += QStringLiteral("c%1").arg(f.color);
+            if (f.vertical > 0) marca += u'^';
+            tramos.append(marca.isEmpty() ? t.texto : t.texto + u'[' + marca + u']');
+        }
+        parrafos.append(tramos.join(u'|'));
+    }
+    return parrafos.join(u'/');
+}
+
+const TramoRtf *BuscarTramo(const DocumentoRtf &doc, const QString &texto)
+{
+    for (const ParrafoRtf &p : doc.parrafos)
+        for (const TramoRtf &t : p.tramos)
+            if (t.texto.trimmed() == texto)
+                return &t;
+    return nullptr;
+}
+
+} // namespace
+
+class TestRtf : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void texto_data();
+    void texto();
+    void formato_data();
+    void formato();
+    void anidamientoProfundo_data();
+    void anidamientoProfundo();
+    void tablas();
+    void parrafos();
+    void ficheroFormatos();
+    void ficheroSimbolos();
+};
+
+void TestRtf::texto_data()
+{
+    QTest::addColumn<QByteArray>("rtf");
+    QTest::addColumn<QString>("esperado");
+    QTest::addColumn<bool>("completo");
+
+    QTest::newRow("hex en 1252") << QByteArray("{\\rtf1\\ansi\\ansicpg1252 a\\'f1o}") << u"año"_qs << true;
+    QTest::newRow("hex sin ansicpg") << QByteArray("{\\rtf1 \\'bfQu\\'e9?}") << u"¿Qué?"_qs << true;
+    QTest::newRow("hex en mayusculas") << QByteArray("{\\rtf1 \\'D1}") << u"Ñ"_qs << true;
+    QTest::newRow("hex en 1251") << QByteArray("{\\rtf1\\ansi\\ansicpg1251 \\'c4\\'e0}") << u"Да"_qs << true;
+    QTest::newRow("hex en 850") << QByteArray("{\\rtf1\\pca \\'a4\\'a5}") << u"ñÑ"_qs << true;
+    QTest::newRow("hex multibyte 932") << QByteArray("{\\rtf1\\ansicpg932 \\'82\\'a0}") << u"あ"_qs << true;
+    QTest::newRow("hex por juego de la fuente")
+        << QByteArray("{\\rtf1{\\fonttbl{\\f0\\fcharset0 A;}{\\f1\\fcharset204 B;}}\\f0 \\'e0{\\f1 \\'e0}}")
+        << u"àа"_qs << true;
+    QTest::newRow("pagina desconocida") << QByteArray("{\\rtf1\\ansicpg99999 \\'f1}") << u"ñ"_qs << true;
+    QTest::newRow("byte de 8 bits") << QByteArray("{\\rtf1 a\xf1o}") << u"año"_qs << true;
+    QTest::newRow("hex cortado") << QByteArray("{\\rtf1 a\\'zb}") << u"azb"_qs << true;
+    QTest::newRow("u con alternativa") << QByteArray("{\\rtf1 a\\u241\\'f1o}") << u"año"_qs << true;
+    QTest::newRow("u negativo") << QByteArray("{\\rtf1 \\u-3913?}") << QString(QChar(0xF0B7)) << true;
+    QTest::newRow("uc2") << QByteArray("{\\rtf1\\uc2 \\u8364\\'80\\'80x}") << u"€x"_qs << true;
+    QTest::newRow("uc0") << QByteArray("{\\rtf1\\uc0 \\u8364 x}") << u"€x"_qs << true;
+    QTest::newRow("alternativa palabra") << QByteArray("{\\rtf1 \\u8364\\bullet x}") << u"€x"_qs << true;
+    QTest::newRow("uc dentro del grupo")
+        << QByteArray("{\\rtf1 {\\uc2 \\u8364\\'80\\'80}\\u8364\\'80x}") << u"€€x"_qs << true;
+    QTest::newRow("alternativa cortada por grupo")
+        << QByteArray("{\\rtf1 {\\uc3\\u8364 a}bc}") << u"€bc"_qs << true;
+    QTest::newRow("destino desconocido") << QByteArray("{\\rtf1 a{\\*\\nuevo oculto{x}}b}") << u"ab"_qs << true;
+    QTest::newRow("destino conocido oculto")
+        << QByteArray("{\\rtf1 {\\info{\\title T}{\\author Ana}}{\\stylesheet{\\s0 Normal;}}x}") << u"x"_qs << true;
+    QTest::newRow("palabra desconocida") << QByteArray("{\\rtf1 a\\foo12 b\\bar-3 c}") << u"abc"_qs << true;
+    QTest::newRow("simbolos escapados") << QByteArray("{\\rtf1 \\{x\\}\\\\}") << u"{x}\\"_qs << true;
+    QTest::newRow("simbolos especiales")
+        << QByteArray("{\\rtf1 a\\~b\\_c\\emdash\\lquote q\\rquote}") << u"a\u00A0b\u2011c—‘q’"_qs << true;
+    QTest::newRow("campo muestra resultado")
+        << QByteArray("{\\rtf1 {\\field{\\*\\fldinst HYPERLINK \"http://x\"}{\\fldrslt enlace}}}") << u"enlace"_qs << true;
+    QTest::newRow("upr usa ud")
+        << QByteArray("{\\rtf1 {\\upr{a\\'3f}{\\*\\ud{a\\u8364 ?}}}}") << u"a€"_qs << true;
+    QTest::newRow("bin no es texto") << QByteArray("{\\rtf1 a\\bin3 }{}b}") << u"ab"_qs << true;
+    QTest::newRow("bin mas largo que el fichero") << QByteArray("{\\rtf1 a\\bin999 xyz") << u"a"_qs << false;
+    QTest::newRow("saltos ignorados") << QByteArray("{\\rtf1 a\r\nb\nc}") << u"abc"_qs << true;
+    QTest::newRow("barra y salto es parrafo") << QByteArray("{\\rtf1 a\\\nb}") << u"a\nb"_qs << true;
+    QTest::newRow("parrafos") << QByteArray("{\\rtf1 uno\\par dos\\par}") << u"uno\ndos"_qs << true;
+    QTest::newRow("parrafo vacio") << QByteArray("{\\rtf1 uno\\par\\par dos}") << u"uno\n\ndos"_qs << true;
+    QTest::newRow("salto de linea") << QByteArray("{\\rtf1 uno\\line dos}") << u"uno\u2028dos"_qs << true;
+    QTest::newRow("tabuladores") << QByteArray("{\\rtf1 a\\tab b\tc}") << u"a\tb\tc"_qs << true;
+    QTest::newRow("truncado en texto") << QByteArray("{\\rtf1 {\\b hola") << u"hola"_qs << false;
+    QTest::newRow("truncado en hex") << QByteArray("{\\rtf1 ab\\'f") << u"ab"_qs << false;
+    QTest::newRow("truncado en barra") << QByteArray("{\\rtf1 ab\\") << u"ab"_qs << false;
+    QTest::newRow("truncado en tabla de fuentes") << QByteArray("{\\rtf1{\\fonttbl{\\f0 Ari") << QString() << false;
+    QTest::newRow("llave de mas al final") << QByteArray("{\\rtf1 a}}") << u"a"_qs << false;
+    QTest::newRow("llave de mas en medio") << QByteArray("{\\rtf1 a}b}") << u"a"_qs << false;
+    QTest::newRow("blancos tras el cierre") << QByteArray("{\\rtf1 a}\r\n\0", 12) << u"a"_qs << true;
+    QTest::newRow("parametro enorme") << QByteArray("{\\rtf1\\fs99999999999999999999 a\\u99999999999 ?b}") << u"a?b"_qs << true;
+    QTest::newRow("no es rtf") << QByteArray("hola\r\nmundo\r\n") << u"hola\nmundo"_qs << false;
+    QTest::newRow("no es rtf en utf8") << QByteArray("a\xc3\xb1o") << u"año"_qs << false;
+    QTest::newRow("no es rtf en 1252") << QByteArray("a\xf1o") << u"año"_qs << false;
+    QTest::newRow("vacio") << QByteArray() << QString() << false;
+    QTest::newRow("solo cabecera") << QByteArray("{\\rtf") << QString() << false;
+}
+
+void TestRtf::texto()
+{
+    QFETCH(QByteArray, rtf);
+    QFETCH(QString, esperado);
+    QFETCH(bool, completo);
+    const DocumentoRtf doc = LeerRtf(rtf);
+    QCOMPARE(doc.Texto(), esperado);
+    QCOMPARE(doc.completo, completo);
+}
+
+void TestRtf::formato_data()
+{
+    QTest::addColumn<QByteArray>("rtf");
+    QTest::addColumn<QString>("tramos");
+
+    QTest::newRow("negrita activa y apaga") << QByteArray("{\\rtf1 a\\b b\\b0 c}") << u"a|b[b]|c"_qs;
+    QTest::newRow("grupos restauran") << QByteArray("{\\rtf1 a{\\b b{\\i c}d}e}") << u"a|b[b]|c[bi]|d[b]|e"_qs;
+    QTest::newRow("plain restablece") << QByteArray("{\\rtf1\\b\\fs40\\cf2 a\\plain b}") << u"a[bfs40c2]|b"_qs;
+    QTest::newRow("subrayados") << QByteArray("{\\rtf1 \\ul a\\ulnone b\\uldb c\\ul0 d\\ulw e}") << u"a[u]|b|c[u]|d|e[u]"_qs;
+    QTest::newRow("color del subrayado no subraya") << QByteArray("{\\rtf1 \\ulc2 a}") << u"a"_qs;
+    QTest::newRow("tachado y superindice") << QByteArray("{\\rtf1 \\strike a\\strike0\\super b\\nosupersub c}") << u"a[s]|b[^]|c"_qs;
+    QTest::newRow("tamano y fuente") << QByteArray("{\\rtf1 \\f2\\fs36 a}") << u"a[fs36f2]"_qs;
+    QTest::newRow("fs0 no cambia") << QByteArray("{\\rtf1 \\fs0 a}") << u"a"_qs;
+    QTest::newRow("grupos vacios se unen") << QByteArray("{\\rtf1 a{}b{\\b}c}") << u"abc"_qs;
+    QTest::newRow("formato por parrafo") << QByteArray("{\\rtf1 \\i a\\par b}") << u"a[i]/b[i]"_qs;
+    QTest::newRow("fin de grupo en hex") << QByteArray("{\\rtf1 {\\b \\'e1}\\'e9}") << u"á[b]|é"_qs;
+}
+
+void TestRtf::formato()
+{
+    QFETCH(QByteArray, rtf);
+    QFETCH(QString, tramos);
+    QCOMPARE(Tramos(LeerRtf(rtf)), tramos);
+}
+
+void TestRtf::anidamientoProfundo_data()
+{
+    QTest::addColumn<int>("grupos");
+    QTest::addColumn<bool>("cerrados");
+
+    QTest::newRow("dentro del limite") << LimiteGruposRtf - 2 << true;
+    QTest::newRow("cien mil cerrados") << 100000 << true;
+    QTest::newRow("cien mil abiertos") << 100000 << false;
+}
+
+void TestRtf::anidamientoProfundo()
+{
+    QFETCH(int, grupos);
+    QFETCH(bool, cerrados);
+    QByteArray rtf = "{\\rtf1 " + QByteArray(grupos, '{') + "\\b x";
+    if (cerrados)
+        rtf += QByteArray(grupos, '}') + "y}";
+    const DocumentoRtf doc = LeerRtf(rtf);
+    QCOMPARE(doc.completo, cerrados);
+    // Bold set in the innermost group ends with it, however deep the nesting was.
+    QCOMPARE(Tramos(doc), cerrados ? u"x[b]|y"_qs : u"x[b]"_qs);
+}
+
+void TestRtf::tablas()
+{
+    const DocumentoRtf doc = LeerRtf(
+        "{\\rtf1\\ansi\\deff1{\\fonttbl{\\f0\\fswiss Arial{\\*\\falt Helvetica};}"
+        "{\\f1\\froman\\fcharset0 Times New Roman;}{\\f2 Se\\'f1al;}\\f3 Sin Llaves;}"
+        "{\\colortbl;\\red255\\green0\\blue0;;\\red0\\green0\\blue300;}x}");
+    QCOMPARE(doc.fuentePorOmision, 1);
+    const QMap<int, QString> fuentes{{0, u"Arial"_qs}, {1, u"Times New Roman"_qs},
+                                     {2, u"Señal"_qs}, {3, u"Sin Llaves"_qs}};
+    QCOMPARE(doc.fuentes, fuentes);
+    const QList<ColorRtf> colores{ColorRtf{}, ColorRtf{255, 0, 0, false}, ColorRtf{},
+                                  ColorRtf{0, 0, 255, false}};
+    QCOMPARE(doc.colores, colores);
+    QCOMPARE(doc.Texto(), u"x"_qs);
+}
+
+void TestRtf::parrafos()
+{
+    const DocumentoRtf doc = LeerRtf(
+        "{\\rtf1 \\qc\\li720\\fi-360\\sb120\\sa240 uno\\par \\tqr\\tx2880\\tx4320 dos\\par\\pard tres}");
+    QCOMPARE(doc.parrafos.size(), 3);
+    const ParrafoRtf &uno = doc.parrafos[0];
+    QCOMPARE(uno.alineacion, AlineacionRtf::Centro);
+    QCOMPARE(uno.sangriaIzquierda, 720);
+    QCOMPARE(uno.sangriaPrimera, -360);
+    QCOMPARE(uno.espacioAntes, 120);
+    QCOMPARE(uno.espacioDespues, 240);
+    const QList<TabuladorRtf> tabs{{2880, TabuladorRtf::Derecho}, {4320, TabuladorRtf::Izquierdo}};
+    QCOMPARE(doc.parrafos[1].tabuladores, tabs);
+    QCOMPARE(doc.parrafos[1].alineacion, AlineacionRtf::Centro);  // kept until \pard
+    QCOMPARE(doc.parrafos[2].alineacion, AlineacionRtf::Izquierda);
+    QVERIFY(doc.parrafos[2].tabuladores.isEmpty());
+}
+
+void TestRtf::ficheroFormatos()
+{
+    const DocumentoRtf doc = LeerRtf(Datos("ayuda_formatos.rtf"));
+    QVERIFY(doc.completo);
+    const QStringList esperado{
+        u"Ayuda de Facturación"_qs,
+        u"El año contable empieza en enero. Pulse Aceptar para grabar la ficha."_qs,
+        u"Los campos en cursiva son opcionales y los subrayados obligatorios."_qs,
+        u"Atención: la señal de aviso se muestra en rojo; los importes en azul."_qs,
+        u"Código\tDescripción\tImporte"_qs,
+        u"F4\tCalculadora\t1.234,50 €"_qs,
+        u"Primera línea\u2028segunda línea del mismo párrafo."_qs,
+        u"Teclee MONTAÑA y pulse Intro."_qs,
+    };
+    QCOMPARE(doc.Texto().split(u'\n'), esperado);
+
+    const ParrafoRtf &titulo = doc.parrafos.first();
+    QCOMPARE(titulo.alineacion, AlineacionRtf::Centro);
+    QVERIFY(titulo.tramos.first().formato.negrita);
+    QCOMPARE(titulo.tramos.first().formato.medioPuntos, 36);
+    QCOMPARE(doc.parrafos.last().alineacion, AlineacionRtf::Derecha);
+
+    struct Caso { QString texto; bool b, i, u; int fs; };
+    const Caso casos[] = {{u"Aceptar"_qs, true, false, false, 24},
+                          {u"cursiva"_qs, false, true, false, 24},
+                          {u"subrayados"_qs, false, false, true, 24},
+                          {u"los importes"_qs, false, false, false, 28},
+                          {u"para grabar la ficha."_qs, false, false, false, 24}};
+    for (const Caso &c : casos) {
+        const TramoRtf *t = BuscarTramo(doc, c.texto);
+        QVERIFY2(t, qPrintable(c.texto));
+        QCOMPARE(t->formato.negrita, c.b);
+        QCOMPARE(t->formato.cursiva, c.i);
+        QCOMPARE(t->formato.subrayado, c.u);
+        QCOMPARE(t->formato.medioPuntos, c.fs);
+    }
+    const TramoRtf *rojo = BuscarTramo(doc, u"Atención:"_qs);
+    QVERIFY(rojo);
+    QCOMPARE(doc.colores.value(rojo->formato.color), (ColorRtf{192, 0, 0, false}));
+    const TramoRtf *azul = BuscarTramo(doc, u"los importes"_qs);
+    QCOMPARE(doc.colores.value(azul->formato.color), (ColorRtf{0, 0, 255, false}));
+    const TramoRtf *mono = BuscarTramo(doc, u"MONTAÑA"_qs);
+    QVERIFY(mono);
+    QCOMPARE(doc.fuentes.value(mono->formato.fuente), u"Liberation Mono"_qs);
+}
+
+void TestRtf::ficheroSimbolos()
+{
+    const DocumentoRtf doc = LeerRtf(Datos("ayuda_simbolos.rtf"));
+    QVERIFY(doc.completo);
+    const QStringList esperado{
+        u"¿Cómo se añade un cliente? ¡Muy fácil!"_qs,
+        u"Negrita y cursiva juntas, y negrita subrayada."_qs,
+        u"Moneda: 25 € — el guion largo y las «comillas»."_qs,
+        u"Текст на русском и ελληνικά: letras fuera de la página 1252."_qs,
+        u"Letra pequeña y letra grande."_qs,
+    };
+    QCOMPARE(doc.Texto().split(u'\n'), esperado);
+    QCOMPARE(Tramos(doc).section(u'/', 1, 1),
+             u"Negrita y cursiva[bi]| juntas, y |negrita [b]|subrayada[bu]|."_qs);
+    QCOMPARE(Tramos(doc).section(u'/', 4, 4), u"Letra pequeña[fs16]| y |letra grande[fs48]|."_qs);
+}
+
+QTEST_GUILESS_MAIN(TestRtf)
+#include "tst_rtf.moc"
