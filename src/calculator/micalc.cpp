@@ -1,0 +1,303 @@
+#include "kvr/micalc.h"
+#include "ui_micalc.h"
+
+#include "kvr/error.h"
+#include "kvr/escala.h"
+#include "kvr/layout.h"
+#include "kvr/servicios.h"
+#include "kvr/utilidades.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QWindow>
+
+namespace kvr {
+
+namespace {
+
+// F4 from any runtime window opens the calculator by this name.
+[[maybe_unused]] const bool g_registrada =
+    (RegistrarVentana(QStringLiteral("MiCalc"), [] { return new MiCalc; }), true);
+
+// The character code a key press stands for: Enter, Backspace and Escape by their key, the rest
+// by the text typed.
+int codigoAscii(const QKeyEvent *k)
+{
+    switch (k->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter: return 13;
+    case Qt::Key_Backspace: return 8;
+    case Qt::Key_Escape: return 27;
+    default: break;
+    }
+    const QString t = k->text();
+    return t.isEmpty() ? 0 : int(t.at(0).unicode());
+}
+
+// The Qt key a typed character comes from, for the key events of a paste.
+int teclaQtDe(QChar c)
+{
+    const char16_t u = c.toUpper().unicode();
+    if ((u >= u'0' && u <= u'9') || (u >= u'A' && u <= u'Z'))
+        return int(u); // Qt::Key_0.. and Qt::Key_A.. are their ASCII codes
+    switch (u) {
+    case u'.': return Qt::Key_Period;
+    case u'+': return Qt::Key_Plus;
+    case u'-': return Qt::Key_Minus;
+    case u'*': return Qt::Key_Asterisk;
+    case u'/': return Qt::Key_Slash;
+    case u'%': return Qt::Key_Percent;
+    case u'=': return Qt::Key_Equal;
+    case u'<': return Qt::Key_Less;
+    case u' ': return Qt::Key_Space;
+    case u'\r': return Qt::Key_Return;
+    case u'\b': return Qt::Key_Backspace;
+    case 27: return Qt::Key_Escape;
+    default: return Qt::Key_unknown;
+    }
+}
+
+} // namespace
+
+MiCalc::MiCalc(QWidget *parent)
+    : QWidget(parent, Qt::Window | Qt::FramelessWindowHint)
+    , ui(std::make_unique<Ui::MiCalc>())
+{
+    ui->setupUi(this);
+    setObjectName(QStringLiteral("MiCalc"));
+    setWindowTitle(QStringLiteral("Calculadora"));
+    // Closing unloads the form: a new one starts blank.
+    setAttribute(Qt::WA_DeleteOnClose);
+
+    for (int i = 0; i < 24; ++i) {
+        m_teclas[i] = findChild<QPushButton *>(QStringLiteral("tecla(%1)").arg(i));
+        Q_ASSERT(m_teclas[i] && m_teclas[i]->text() == MotorCalculadora::TeclaDe(i));
+        connect(m_teclas[i], &QPushButton::clicked, this, [this, i] { tecla_Click(i); });
+    }
+    connect(ui->decimales, &QPushButton::clicked, this, &MiCalc::decimales_Click);
+    connect(ui->Pegar, &QPushButton::clicked, this, &MiCalc::Pegar_Click);
+    connect(ui->VerPapel, &QPushButton::clicked, this, &MiCalc::VerPapel_Click);
+    connect(ui->Salir, &QPushButton::clicked, this, &MiCalc::Salir_Click);
+    // As on the desktop, the toggle's handler runs whenever its value changes, by click or by F8.
+    connect(ui->FijarUp, &QCheckBox::toggled, this, &MiCalc::FijarUp_Click);
+
+    m_motor.AlAnotar = [this](const QString &linea) {
+        QPlainTextEdit *papel = ui->Papel;
+        papel->moveCursor(QTextCursor::End);
+        papel->insertPlainText(linea + QStringLiteral("\r\n"));
+        papel->moveCursor(QTextCursor::End);
+        papel->ensureCursorVisible();
+        ui->Panel->setFocus();
+    };
+    m_motor.AlBorrarPapel = [this] { ui->Papel->clear(); };
+    m_motor.AlCopiar = [](const QString &texto) {
+        QClipboard *portapapeles = QGuiApplication::clipboard();
+        portapapeles->clear();
+        portapapeles->setText(texto);
+    };
+
+    // The form sees every key first, whichever control has the focus.
+    vigilar(this);
+    for (QWidget *w : findChildren<QWidget *>())
+        vigilar(w);
+
+    Form_Load();
+}
+
+MiCalc::~MiCalc() = default;
+
+QString MiCalc::Evaluar(QString &Expresion)
+{
+    Q_UNUSED(Expresion);
+    return QString();
+}
+
+void MiCalc::vigilar(QWidget *w)
+{
+    w->installEventFilter(this);
+}
+
+template <typename F>
+void MiCalc::ejecutar(F &&accion)
+{
+    try {
+        accion();
+    } catch (const ErrorEjecucion &e) {
+        // The arithmetic error ends the key; what the key had already changed stays.
+        mostrar();
+        Servicios &s = ServiciosActuales();
+        s.Mensaje(e.descripcion(), Critico, s.TituloAplicacion());
+        return;
+    }
+    mostrar();
+}
+
+void MiCalc::mostrar()
+{
+    ui->Pantalla->setText(m_motor.Pantalla());
+    ui->Pantalla->setToolTip(m_motor.LineaPantalla());
+    ui->decimales->setText(m_motor.TextoDecimales());
+}
+
+void MiCalc::Form_Load()
+{
+    const QString linea = QCoreApplication::arguments().mid(1).join(u' ');
+    double factor = 1.0;
+    if (FactorDeLineaComandos(linea, factor)) {
+        // The design size (in pixels) times the factor becomes the wanted size.
+        float ancho = float(width() * factor);
+        float alto = float(height() * factor);
+        PonerFuente(this);
+        Redimensionar(this, ancho, alto, false);
+        ui->FijarUp->setVisible(true);
+    } else if (QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName()
+               != u"Residente") {
+        float ancho = 0, alto = 0;
+        PonerFuente(this);
+        Redimensionar(this, ancho, alto, true);
+        ui->FijarUp->setVisible(false);
+    } else {
+        // Run as a resident tool: the design size as it is, with the toggle at hand.
+        ui->FijarUp->setVisible(true);
+    }
+    Centrar(this);
+}
+
+void MiCalc::Form_KeyPress(int &KeyAscii)
+{
+    const int indice = IndiceDeTecla(KeyAscii);
+    if (indice >= 0)
+        tecla_Click(indice);
+    if (KeyAscii == 27) {
+        KeyAscii = 0;
+        Salir_Click();
+        return;
+    }
+    KeyAscii = 0;
+}
+
+void MiCalc::Form_KeyUp(int KeyCode, int Shift)
+{
+    if (!ui->FijarUp->isChecked() && KeyCode == TeclaF8)
+        ui->FijarUp->setChecked(true);
+    TeclasGlobales(KeyCode, Shift, QStringLiteral("MiCalc"));
+}
+
+void MiCalc::Form_MouseDown()
+{
+    if (QWindow *ventana = windowHandle())
+        ventana->startSystemMove();
+}
+
+void MiCalc::Pantalla_MouseDown(Qt::MouseButton Button)
+{
+    if (Button == Qt::LeftButton)
+        VerPapel_Click();
+    else
+        Pegar_Click();
+}
+
+void MiCalc::tecla_Click(int Index)
+{
+    ui->Panel->setFocus();
+    ejecutar([&] { m_motor.Tecla(Index); });
+}
+
+void MiCalc::decimales_Click()
+{
+    ejecutar([&] { m_motor.CambiarDecimales(); });
+    ui->Panel->setFocus();
+}
+
+void MiCalc::Pegar_Click()
+{
+    const QString texto = TextoParaPegar(QGuiApplication::clipboard()->text());
+    // Typed into the form, one key per character, after the click that asked for it.
+    for (const QChar c : texto) {
+        const int tecla = teclaQtDe(c);
+        QCoreApplication::postEvent(this, new QKeyEvent(QEvent::KeyPress, tecla, Qt::NoModifier, QString(c)));
+        QCoreApplication::postEvent(this, new QKeyEvent(QEvent::KeyRelease, tecla, Qt::NoModifier, QString(c)));
+    }
+    ui->Panel->setFocus();
+}
+
+void MiCalc::VerPapel_Click()
+{
+    const int m = qRound(EscalaX(float(120.0 / TwipsPorPixelX())));
+    QWidget *panel = ui->Panel;
+    QWidget *papel = ui->Papel;
+    if (!papel->isHidden()) {
+        resize(m + panel->width(), height());
+        papel->hide();
+    } else {
+        resize(m + panel->width() + papel->width() + m, height());
+        papel->show();
+    }
+    panel->setFocus();
+}
+
+void MiCalc::FijarUp_Click()
+{
+    ui->Panel->setFocus();
+    const bool arriba = ui->FijarUp->isChecked();
+    // Only the stacking changes: no move, no resize, no hiding and showing of the window.
+    Qt::WindowFlags banderas = windowFlags();
+    banderas.setFlag(Qt::WindowStaysOnTopHint, arriba);
+    banderas.setFlag(Qt::WindowStaysOnBottomHint, false);
+    overrideWindowFlags(banderas);
+    if (QWindow *ventana = windowHandle())
+        ventana->setFlags(banderas);
+    ui->FijarUp->setText(arriba ? QStringLiteral("Siempre visible SI")
+                                : QStringLiteral("Siempre visible NO"));
+}
+
+void MiCalc::Salir_Click()
+{
+    close();
+}
+
+void MiCalc::mousePressEvent(QMouseEvent *evento)
+{
+    // Presses on the background (and on the key pad's, which passes them up) drag the window.
+    evento->accept();
+    Form_MouseDown();
+}
+
+bool MiCalc::eventFilter(QObject *objeto, QEvent *evento)
+{
+    switch (evento->type()) {
+    case QEvent::ChildAdded:
+        if (auto *hijo = static_cast<QChildEvent *>(evento)->child(); hijo->isWidgetType())
+            vigilar(static_cast<QWidget *>(hijo));
+        return false;
+    case QEvent::KeyPress: {
+        int codigo = codigoAscii(static_cast<QKeyEvent *>(evento));
+        Form_KeyPress(codigo);
+        return true; // every key is the calculator's: no control receives it
+    }
+    case QEvent::KeyRelease: {
+        const auto *k = static_cast<QKeyEvent *>(evento);
+        if (!k->isAutoRepeat())
+            Form_KeyUp(CodigoTecla(k->key()), CodigoShift(int(k->modifiers())));
+        return true;
+    }
+    case QEvent::ShortcutOverride:
+        // Keys that a control would claim as shortcuts (Escape, Backspace) come as key presses.
+        evento->accept();
+        return true;
+    case QEvent::MouseButtonPress:
+        if (objeto == ui->Pantalla) {
+            Pantalla_MouseDown(static_cast<QMouseEvent *>(evento)->button());
+            return true;
+        }
+        return false;
+    default:
+        return false;
+    }
+}
+
+} // namespace kvr

@@ -1,0 +1,50 @@
+// The calculator started with the command line "+2": the layout doubles the design size and the
+// always-on-top toggle is offered.
+#include <kvr/escala.h>
+#include <kvr/micalc.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QPushButton>
+#include <QtTest>
+
+#include <vector>
+
+using namespace kvr;
+
+class TstMiCalcFactor : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void dobleTamano()
+    {
+        QCOMPARE(QCoreApplication::arguments().value(1), u"+2"_qs);
+        QPointer<MiCalc> calc = new MiCalc;
+        calc->show();
+        QCoreApplication::processEvents();
+        QCOMPARE(FactorX, 2.0f);
+        QCOMPARE(FactorY, 2.0f);
+        QCOMPARE(calc->size(), QSize(920, 488));
+        QCOMPARE(calc->findChild<QPushButton *>(u"tecla(0)"_qs)->geometry(), QRect(8, 8, 72, 60));
+        QCOMPARE(calc->findChild<QWidget *>(u"Panel"_qs)->geometry(), QRect(8, 192, 488, 280));
+        QVERIFY(!calc->findChild<QCheckBox *>(u"FijarUp"_qs)->isHidden());
+        // The tape's margin scales too: 120 twips are 8 pixels at 96 dpi, 16 at factor 2.
+        calc->VerPapel_Click();
+        QCOMPARE(calc->width(), 16 + 488);
+        calc->VerPapel_Click();
+        QCOMPARE(calc->width(), 16 + 488 + 400 + 16);
+        calc->close();
+    }
+};
+
+int main(int argc, char *argv[])
+{
+    // The application sees "+2" on its command line; Qt Test sees only its own arguments.
+    std::vector<char *> argumentos(argv, argv + argc);
+    char factor[] = "+2";
+    argumentos.push_back(factor);
+    int n = int(argumentos.size());
+    QApplication app(n, argumentos.data());
+    TstMiCalcFactor prueba;
+    return QTest::qExec(&prueba, argc, argv);
+}
+#include "tst_micalc_factor.moc"
