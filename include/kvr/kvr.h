@@ -13,6 +13,7 @@
 #include <kvr/utilidades.h>
 #include <kvr/rtimekvr.h>
 #include <kvr/motorcalculadora.h>
+#include <kvr/micalc.h>
 #include <kvr/rtf.h>
 #include <kvr/rtfdocumento.h>
 #include <kvr/minihelp.h>
