@@ -17,6 +17,7 @@
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace kvr {
@@ -124,6 +125,10 @@ public:
     void PonerRowHeight(int fila, int twips);
 
     // Bold attribute of the current cell, and of any cell.
+    // Rows whose height is not the default, as (row, height) pairs in row order; empty at once
+    // when no row has one.
+    std::vector<std::pair<int, int>> AltosEspeciales() const;
+
     bool CellFontBold() const { return NegritaCelda(m_fila, m_col); }
     void PonerCellFontBold(bool negrita) { PonerNegritaCelda(m_fila, m_col, negrita); }
     bool NegritaCelda(int fila, int col) const;

@@ -386,6 +386,19 @@ void Rejilla::PonerRowHeight(int fila, int twips)
         paraOyentes([&](OyenteRejilla *o) { o->filaCambiada(fila); });
 }
 
+std::vector<std::pair<int, int>> Rejilla::AltosEspeciales() const
+{
+    std::vector<std::pair<int, int>> altos;
+    if (m_altos.empty())
+        return altos;
+    for (int f = 0; f < Rows(); ++f) {
+        const auto it = m_altos.find(ranura(f));
+        if (it != m_altos.end())
+            altos.emplace_back(f, it->second);
+    }
+    return altos;
+}
+
 bool Rejilla::NegritaCelda(int fila, int col) const
 {
     comprobarFila(fila);

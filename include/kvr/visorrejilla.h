@@ -1,0 +1,123 @@
+#pragma once
+// VisorRejilla: the grid control on screen, a QTableView over a kvr::Rejilla that it owns.
+//
+// Row 0 (the title row) is shown as the horizontal header, so the titles stay in place while the
+// data scroll; the header takes the titles' alignment (FixedAlignment) and bold marks. Any
+// further fixed rows and the fixed columns are shown as ordinary cells painted in the header's
+// colour. A row of height 0 is hidden, a column of width 0 too. Widths are ColWidth twips at the
+// screen's logical dpi (1440 twips an inch). Row heights are uniform and nothing is done per row
+// when the view is shown, so a grid of a million rows opens at once.
+//
+// The grid's Row and Col follow the current cell and the other way round. Click, ClickDerecho
+// and DobleClick give the grid row and column under the pointer (row 0 for the title row).
+#include <kvr/rejilla.h>
+
+#include <QAbstractTableModel>
+#include <QTableView>
+
+namespace kvr {
+
+// The item model a view uses to show a Rejilla. It reports the row and column counts it has
+// announced, so a view never sees the grid change under it while Redraw is off.
+class ModeloRejilla : public QAbstractTableModel, private OyenteRejilla {
+    Q_OBJECT
+public:
+    explicit ModeloRejilla(Rejilla &rejilla, QObject *parent = nullptr);
+    ~ModeloRejilla() override;
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int seccion, Qt::Orientation orientacion, int role = Qt::DisplayRole) const override;
+
+    // Grid rows shown in the header (1 when the grid has a fixed row, else 0).
+    int filasEnCabecera() const { return m_cabecera; }
+    int filaRejilla(int filaVista) const { return filaVista + m_cabecera; }
+    int filaVista(int filaRejilla) const { return filaRejilla - m_cabecera; }
+
+Q_SIGNALS:
+    void columnaModificada(int col);
+    void filaModificada(int fila);
+    void celdaActualMovida(int fila, int col);
+    void redrawPuesto(bool redraw);
+    void visiblePuesto(bool visible);
+    void rejillaReiniciada();
+
+private:
+    void antesDeReiniciar() override;
+    void reiniciada() override;
+    void antesDeInsertarFilas(int primera, int ultima) override;
+    void filasInsertadas() override;
+    void antesDeQuitarFilas(int primera, int ultima) override;
+    void filasQuitadas() override;
+    void antesDeInsertarColumnas(int primera, int ultima) override;
+    void columnasInsertadas() override;
+    void antesDeQuitarColumnas(int primera, int ultima) override;
+    void columnasQuitadas() override;
+    void celdasCambiadas(int fila0, int col0, int fila1, int col1) override;
+    void columnaCambiada(int col) override;
+    void filaCambiada(int fila) override;
+    void celdaActualCambiada(int fila, int col) override;
+    void redrawCambiado(bool redraw) override;
+    void visibleCambiado(bool visible) override;
+    void leerTamanos();
+    bool valida(int fila, int col) const;
+
+    Rejilla &m_rejilla;
+    int m_filas = 0;    // grid rows announced
+    int m_cols = 0;
+    int m_cabecera = 0;
+    bool m_reiniciando = false; // a structural change became a reset
+};
+
+class VisorRejilla : public QTableView {
+    Q_OBJECT
+public:
+    explicit VisorRejilla(QWidget *parent = nullptr);
+    ~VisorRejilla() override;
+
+    Rejilla &rejilla() { return m_rejilla; }
+    const Rejilla &rejilla() const { return m_rejilla; }
+    ModeloRejilla *modeloRejilla() const { return m_modelo; }
+
+    // Grid row and column under the pointer at the last mouse event (-1 outside the cells).
+    int MouseRow() const { return m_filaRaton; }
+    int MouseCol() const { return m_colRaton; }
+
+    // Scales every column width by the proportional layout: ColWidth(c) = EscalaX(ColWidth(c)).
+    Q_INVOKABLE void EscalarColumnas();
+
+    // Twips to pixels at this widget's logical dpi.
+    int pixeles(int twips) const;
+
+Q_SIGNALS:
+    void Click(int fila, int col);
+    void ClickDerecho(int fila, int col);
+    void DobleClick(int fila, int col);
+    void RowColChange();
+
+protected:
+    void mousePressEvent(QMouseEvent *e) override;
+    void mouseReleaseEvent(QMouseEvent *e) override;
+    void mouseDoubleClickEvent(QMouseEvent *e) override;
+    void currentChanged(const QModelIndex &actual, const QModelIndex &anterior) override;
+    bool eventFilter(QObject *objeto, QEvent *evento) override;
+
+private:
+    void posicionRaton(const QPoint &p);
+    void aplicarColumna(int col);
+    void aplicarFila(int fila);
+    void aplicarTodo();
+    void seguirCeldaActual(int fila, int col);
+    void seguirVisible(bool visible);
+
+    Rejilla m_rejilla;
+    ModeloRejilla *m_modelo = nullptr;
+    int m_filaRaton = -1;
+    int m_colRaton = -1;
+    bool m_sincronizando = false;
+    bool m_ocultoPorRejilla = false;
+    bool m_teniaFoco = false;
+};
+
+} // namespace kvr

@@ -1,0 +1,434 @@
+#include "kvr/visorrejilla.h"
+
+#include "kvr/escala.h"
+#include "kvr/numeros.h"
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QMouseEvent>
+#include <QPalette>
+
+#include <cmath>
+
+namespace kvr {
+
+namespace {
+
+constexpr int AnchoPorOmision = 960; // twips of a column whose width was never set
+
+Qt::Alignment alineacionQt(int alineacion, const QString &texto)
+{
+    if (alineacion < 0 || alineacion > AlinDerechaAbajo) { // general: numbers right, text left
+        const bool numero = !texto.isEmpty() && EsNumeroRegional(texto);
+        return (numero ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
+    }
+    static const Qt::Alignment horizontal[3] = {Qt::AlignLeft, Qt::AlignHCenter, Qt::AlignRight};
+    static const Qt::Alignment vertical[3] = {Qt::AlignTop, Qt::AlignVCenter, Qt::AlignBottom};
+    return horizontal[alineacion / 3] | vertical[alineacion % 3];
+}
+
+QFont negrita()
+{
+    QFont f = QApplication::font();
+    f.setBold(true);
+    return f;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------------------------
+ModeloRejilla::ModeloRejilla(Rejilla &rejilla, QObject *parent)
+    : QAbstractTableModel(parent), m_rejilla(rejilla)
+{
+    leerTamanos();
+    m_rejilla.AgregarOyente(this);
+}
+
+ModeloRejilla::~ModeloRejilla()
+{
+    m_rejilla.QuitarOyente(this);
+}
+
+void ModeloRejilla::leerTamanos()
+{
+    m_filas = m_rejilla.Rows();
+    m_cols = m_rejilla.Cols();
+    m_cabecera = m_rejilla.FixedRows() >= 1 && m_filas >= 1 ? 1 : 0;
+}
+
+bool ModeloRejilla::valida(int fila, int col) const
+{
+    return fila >= 0 && col >= 0 && fila < m_filas && col < m_cols && fila < m_rejilla.Rows()
+           && col < m_rejilla.Cols();
+}
+
+int ModeloRejilla::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : std::max(0, m_filas - m_cabecera);
+}
+
+int ModeloRejilla::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : m_cols;
+}
+
+QVariant ModeloRejilla::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid())
+        return {};
+    const int fila = filaRejilla(index.row());
+    const int col = index.column();
+    if (!valida(fila, col))
+        return {};
+    const bool fija = fila < m_rejilla.FixedRows() || col < m_rejilla.FixedCols();
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole:
+        return m_rejilla.TextMatrix(fila, col);
+    case Qt::TextAlignmentRole: {
+        const int al = fija ? m_rejilla.FixedAlignment(col) : m_rejilla.ColAlignment(col);
+        return QVariant::fromValue(alineacionQt(al, al == AlinGeneral ? m_rejilla.TextMatrix(fila, col) : QString()));
+    }
+    case Qt::FontRole:
+        return m_rejilla.NegritaCelda(fila, col) ? QVariant(negrita()) : QVariant();
+    case Qt::BackgroundRole:
+        return fija ? QVariant(QApplication::palette().brush(QPalette::Button)) : QVariant();
+    default:
+        return {};
+    }
+}
+
+QVariant ModeloRejilla::headerData(int seccion, Qt::Orientation orientacion, int role) const
+{
+    if (orientacion == Qt::Vertical)
+        return role == Qt::DisplayRole ? QVariant(filaRejilla(seccion)) : QVariant();
+    if (m_cabecera == 0 || !valida(0, seccion))
+        return {};
+    switch (role) {
+    case Qt::DisplayRole:
+        return m_rejilla.TextMatrix(0, seccion);
+    case Qt::TextAlignmentRole:
+        return QVariant::fromValue(alineacionQt(m_rejilla.FixedAlignment(seccion), m_rejilla.TextMatrix(0, seccion)));
+    case Qt::FontRole:
+        return m_rejilla.NegritaCelda(0, seccion) ? QVariant(negrita()) : QVariant();
+    default:
+        return {};
+    }
+}
+
+void ModeloRejilla::antesDeReiniciar()
+{
+    beginResetModel();
+}
+
+void ModeloRejilla::reiniciada()
+{
+    leerTamanos();
+    endResetModel();
+    Q_EMIT rejillaReiniciada();
+}
+
+void ModeloRejilla::antesDeInsertarFilas(int primera, int ultima)
+{
+    // Rows that reach the title row change the header: a reset says it plainly.
+    m_reiniciando = primera < m_cabecera || (m_cabecera == 0 && m_rejilla.FixedRows() >= 1);
+    if (m_reiniciando)
+        beginResetModel();
+    else
+        beginInsertRows({}, filaVista(primera), filaVista(ultima));
+}
+
+void ModeloRejilla::filasInsertadas()
+{
+    leerTamanos();
+    if (m_reiniciando) {
+        m_reiniciando = false;
+        endResetModel();
+        Q_EMIT rejillaReiniciada();
+    } else {
+        endInsertRows();
+    }
+}
+
+void ModeloRejilla::antesDeQuitarFilas(int primera, int ultima)
+{
+    m_reiniciando = primera < m_cabecera;
+    if (m_reiniciando)
+        beginResetModel();
+    else
+        beginRemoveRows({}, filaVista(primera), filaVista(ultima));
+}
+
+void ModeloRejilla::filasQuitadas()
+{
+    leerTamanos();
+    if (m_reiniciando) {
+        m_reiniciando = false;
+        endResetModel();
+        Q_EMIT rejillaReiniciada();
+    } else {
+        endRemoveRows();
+    }
+}
+
+void ModeloRejilla::antesDeInsertarColumnas(int primera, int ultima)
+{
+    beginInsertColumns({}, primera, ultima);
+}
+
+void ModeloRejilla::columnasInsertadas()
+{
+    leerTamanos();
+    endInsertColumns();
+}
+
+void ModeloRejilla::antesDeQuitarColumnas(int primera, int ultima)
+{
+    beginRemoveColumns({}, primera, ultima);
+}
+
+void ModeloRejilla::columnasQuitadas()
+{
+    leerTamanos();
+    endRemoveColumns();
+}
+
+void ModeloRejilla::celdasCambiadas(int fila0, int col0, int fila1, int col1)
+{
+    col1 = std::min(col1, m_cols - 1);
+    if (col0 > col1)
+        return;
+    if (fila0 < m_cabecera)
+        Q_EMIT headerDataChanged(Qt::Horizontal, col0, col1);
+    const int v0 = std::max(0, filaVista(fila0));
+    const int v1 = std::min(filaVista(fila1), rowCount() - 1);
+    if (v0 <= v1)
+        Q_EMIT dataChanged(index(v0, col0), index(v1, col1));
+}
+
+void ModeloRejilla::columnaCambiada(int col)
+{
+    if (col >= m_cols)
+        return;
+    if (m_cabecera)
+        Q_EMIT headerDataChanged(Qt::Horizontal, col, col);
+    if (rowCount() > 0)
+        Q_EMIT dataChanged(index(0, col), index(rowCount() - 1, col), {Qt::TextAlignmentRole});
+    Q_EMIT columnaModificada(col);
+}
+
+void ModeloRejilla::filaCambiada(int fila)
+{
+    Q_EMIT filaModificada(fila);
+}
+
+void ModeloRejilla::celdaActualCambiada(int fila, int col)
+{
+    Q_EMIT celdaActualMovida(fila, col);
+}
+
+void ModeloRejilla::redrawCambiado(bool redraw)
+{
+    Q_EMIT redrawPuesto(redraw);
+}
+
+void ModeloRejilla::visibleCambiado(bool visible)
+{
+    Q_EMIT visiblePuesto(visible);
+}
+
+// ---------------------------------------------------------------------------------------------
+VisorRejilla::VisorRejilla(QWidget *parent) : QTableView(parent)
+{
+    m_modelo = new ModeloRejilla(m_rejilla, this);
+    setModel(m_modelo);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setSelectionBehavior(QAbstractItemView::SelectItems);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setWordWrap(false);
+    setCornerButtonEnabled(false);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(1);
+    verticalHeader()->setDefaultSectionSize(pixeles(Rejilla::AltoFilaPorOmision));
+    horizontalHeader()->setMinimumSectionSize(1);
+    horizontalHeader()->setDefaultSectionSize(pixeles(AnchoPorOmision));
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setSectionsClickable(true);
+    horizontalHeader()->viewport()->installEventFilter(this);
+
+    connect(m_modelo, &ModeloRejilla::columnaModificada, this, &VisorRejilla::aplicarColumna);
+    connect(m_modelo, &ModeloRejilla::filaModificada, this, &VisorRejilla::aplicarFila);
+    connect(m_modelo, &ModeloRejilla::rejillaReiniciada, this, &VisorRejilla::aplicarTodo);
+    connect(m_modelo, &QAbstractItemModel::columnsInserted, this, [this](const QModelIndex &, int a, int b) {
+        for (int c = a; c <= b; ++c)
+            aplicarColumna(c);
+    });
+    connect(m_modelo, &ModeloRejilla::celdaActualMovida, this, &VisorRejilla::seguirCeldaActual);
+    connect(m_modelo, &ModeloRejilla::redrawPuesto, this, [this](bool r) { viewport()->setUpdatesEnabled(r); });
+    connect(m_modelo, &ModeloRejilla::visiblePuesto, this, &VisorRejilla::seguirVisible);
+    connect(this, &QObject::objectNameChanged, this, [this](const QString &n) { m_rejilla.PonerNombre(n); });
+    connect(horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int s) {
+        m_filaRaton = 0;
+        m_colRaton = s;
+        Q_EMIT Click(0, s);
+    });
+    aplicarTodo();
+}
+
+VisorRejilla::~VisorRejilla()
+{
+    // The model listens to the grid, which dies with this widget: let it go first.
+    setModel(nullptr);
+    delete m_modelo;
+    m_modelo = nullptr;
+}
+
+int VisorRejilla::pixeles(int twips) const
+{
+    return int(std::lround(double(twips) * logicalDpiX() / 1440.0));
+}
+
+void VisorRejilla::EscalarColumnas()
+{
+    for (int c = 0; c < m_rejilla.Cols(); ++c) {
+        const int ancho = m_rejilla.ColWidth(c);
+        if (ancho > 0)
+            m_rejilla.PonerColWidth(c, int(std::lround(EscalaX(float(ancho)))));
+    }
+}
+
+void VisorRejilla::aplicarColumna(int col)
+{
+    if (col < 0 || col >= m_modelo->columnCount() || col >= m_rejilla.Cols())
+        return;
+    const int ancho = m_rejilla.ColWidth(col);
+    setColumnHidden(col, ancho == 0);
+    if (ancho != 0)
+        setColumnWidth(col, pixeles(ancho < 0 ? AnchoPorOmision : ancho));
+}
+
+void VisorRejilla::aplicarFila(int fila)
+{
+    const int v = m_modelo->filaVista(fila);
+    if (v < 0 || v >= m_modelo->rowCount() || fila >= m_rejilla.Rows())
+        return;
+    const int alto = m_rejilla.RowHeight(fila);
+    setRowHidden(v, alto == 0);
+    if (alto > 0)
+        setRowHeight(v, pixeles(alto));
+}
+
+void VisorRejilla::aplicarTodo()
+{
+    horizontalHeader()->setVisible(m_modelo->filasEnCabecera() == 1);
+    for (int c = 0; c < m_modelo->columnCount(); ++c)
+        aplicarColumna(c);
+    for (const auto &[fila, alto] : m_rejilla.AltosEspeciales()) {
+        const int v = m_modelo->filaVista(fila);
+        if (v < 0 || v >= m_modelo->rowCount())
+            continue;
+        setRowHidden(v, alto == 0);
+        if (alto > 0)
+            setRowHeight(v, pixeles(alto));
+    }
+    seguirCeldaActual(m_rejilla.Row(), m_rejilla.Col());
+}
+
+void VisorRejilla::seguirCeldaActual(int fila, int col)
+{
+    if (m_sincronizando)
+        return;
+    const int v = m_modelo->filaVista(fila);
+    if (v < 0 || v >= m_modelo->rowCount() || col < 0 || col >= m_modelo->columnCount())
+        return;
+    m_sincronizando = true;
+    setCurrentIndex(m_modelo->index(v, col));
+    m_sincronizando = false;
+}
+
+void VisorRejilla::seguirVisible(bool visible)
+{
+    if (!visible) {
+        if (isVisible()) {
+            m_teniaFoco = hasFocus();
+            m_ocultoPorRejilla = true;
+            hide();
+        }
+    } else if (m_ocultoPorRejilla) {
+        m_ocultoPorRejilla = false;
+        show();
+        if (m_teniaFoco)
+            setFocus();
+    }
+}
+
+void VisorRejilla::currentChanged(const QModelIndex &actual, const QModelIndex &anterior)
+{
+    QTableView::currentChanged(actual, anterior);
+    if (!actual.isValid())
+        return;
+    const int fila = m_modelo->filaRejilla(actual.row());
+    if (!m_sincronizando && fila < m_rejilla.Rows() && actual.column() < m_rejilla.Cols()) {
+        m_sincronizando = true;
+        m_rejilla.PonerRow(fila);
+        m_rejilla.PonerCol(actual.column());
+        m_sincronizando = false;
+    }
+    Q_EMIT RowColChange();
+}
+
+void VisorRejilla::posicionRaton(const QPoint &p)
+{
+    const QModelIndex i = indexAt(p);
+    m_filaRaton = i.isValid() ? m_modelo->filaRejilla(i.row()) : -1;
+    m_colRaton = i.isValid() ? i.column() : -1;
+}
+
+void VisorRejilla::mousePressEvent(QMouseEvent *e)
+{
+    posicionRaton(e->position().toPoint());
+    if (e->button() == Qt::RightButton) {
+        // A right click tells where it was, without moving the current cell.
+        e->accept();
+        Q_EMIT ClickDerecho(m_filaRaton, m_colRaton);
+        return;
+    }
+    QTableView::mousePressEvent(e);
+}
+
+void VisorRejilla::mouseReleaseEvent(QMouseEvent *e)
+{
+    QTableView::mouseReleaseEvent(e);
+    posicionRaton(e->position().toPoint());
+    if (e->button() == Qt::LeftButton)
+        Q_EMIT Click(m_filaRaton, m_colRaton);
+}
+
+void VisorRejilla::mouseDoubleClickEvent(QMouseEvent *e)
+{
+    QTableView::mouseDoubleClickEvent(e);
+    posicionRaton(e->position().toPoint());
+    if (e->button() == Qt::LeftButton)
+        Q_EMIT DobleClick(m_filaRaton, m_colRaton);
+}
+
+bool VisorRejilla::eventFilter(QObject *objeto, QEvent *evento)
+{
+    if (objeto == horizontalHeader()->viewport()
+        && (evento->type() == QEvent::MouseButtonPress || evento->type() == QEvent::MouseButtonDblClick)) {
+        auto *e = static_cast<QMouseEvent *>(evento);
+        const int col = horizontalHeader()->logicalIndexAt(e->position().toPoint());
+        m_filaRaton = col >= 0 ? 0 : -1;
+        m_colRaton = col;
+        if (evento->type() == QEvent::MouseButtonPress && e->button() == Qt::RightButton) {
+            Q_EMIT ClickDerecho(m_filaRaton, col);
+            return true;
+        }
+        if (evento->type() == QEvent::MouseButtonDblClick && e->button() == Qt::LeftButton)
+            Q_EMIT DobleClick(m_filaRaton, col);
+    }
+    return QTableView::eventFilter(objeto, evento);
+}
+
+} // namespace kvr
