@@ -19,3 +19,4 @@
 #include <kvr/minihelp.h>
 #include <kvr/rejilla.h>
 #include <kvr/mivisor.h>
+#include <kvr/visorrejilla.h>
