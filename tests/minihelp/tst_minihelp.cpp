@@ -1,0 +1,293 @@
+// The mini help window: its design, the title strip and help files shown in it, shown and modal;
+// and the QTextDocument built from word-processor RTF files.
+#include <kvr/error.h>
+#include <kvr/minihelp.h>
+#include <kvr/rtfdocumento.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextEdit>
+#include <QTimer>
+
+using namespace kvr;
+
+namespace {
+
+QString Ruta(const char *nombre)
+{
+    return QStringLiteral(KVR_DATOS_RTF "/") + QLatin1String(nombre);
+}
+
+// The format of the first fragment whose text is `texto`, and its block.
+bool Fragmento(const QTextDocument &doc, const QString &texto, QTextCharFormat *f, QTextBlock *b = nullptr)
+{
+    for (QTextBlock bloque = doc.begin(); bloque.isValid(); bloque = bloque.next())
+        for (auto it = bloque.begin(); !it.atEnd(); ++it)
+            if (it.fragment().text().trimmed() == texto) {
+                *f = it.fragment().charFormat();
+                if (b)
+                    *b = bloque;
+                return true;
+            }
+    return false;
+}
+
+QWidget *Control(QWidget *ventana, const char *nombre)
+{
+    return ventana->findChild<QWidget *>(QLatin1String(nombre));
+}
+
+} // namespace
+
+class TestMiniHelp : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void diseno();
+    void textoVersion_data();
+    void textoVersion();
+    void tituloMiniWeb_data();
+    void tituloMiniWeb();
+    void tiraCentrada_data();
+    void tiraCentrada();
+    void documentoDeFichero();
+    void cargarAyuda_data();
+    void cargarAyuda();
+    void cargarAyudaSinFichero();
+    void modalYCerrar();
+};
+
+void TestMiniHelp::initTestCase()
+{
+    QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
+}
+
+void TestMiniHelp::diseno()
+{
+    MiniHelp v;
+    for (const char *nombre : {"MiVersion", "MiniWeb", "cmdCerrar", "TextoAyuda"})
+        QVERIFY2(Control(&v, nombre), nombre);
+    QCOMPARE(qobject_cast<QPushButton *>(Control(&v, "cmdCerrar"))->text(), u"Cerrar"_qs);
+    // Until something is loaded, neither the strip nor the web page shows.
+    v.show();
+    QApplication::processEvents();
+    QVERIFY(Control(&v, "TextoAyuda")->isVisible());
+    QVERIFY(!Control(&v, "MiVersion")->isVisible());
+    QVERIFY(!Control(&v, "MiniWeb")->isVisible());
+}
+
+void TestMiniHelp::textoVersion_data()
+{
+    QTest::addColumn<QString>("nombre");
+    QTest::addColumn<QString>("version");
+    QTest::addColumn<QString>("esperado");
+    QTest::newRow("tres partes") << u"VENTAS"_qs << u"2.1.34"_qs << u"Programa VENTAS  -  Versión 2.1.34"_qs;
+    QTest::newRow("una parte") << u"VENTAS"_qs << u"2"_qs << u"Programa VENTAS  -  Versión 2.0.0"_qs;
+    QTest::newRow("sin version") << u"Nóminas"_qs << QString() << u"Programa Nóminas  -  Versión 0.0.0"_qs;
+    QTest::newRow("cuatro partes") << u"VENTAS"_qs << u"2.1.34.7"_qs << u"Programa VENTAS  -  Versión 2.1.34"_qs;
+    QTest::newRow("con sufijo") << u"VENTAS"_qs << u"3.10.0-beta"_qs << u"Programa VENTAS  -  Versión 3.10.0"_qs;
+}
+
+void TestMiniHelp::textoVersion()
+{
+    QFETCH(QString, nombre);
+    QFETCH(QString, version);
+    QFETCH(QString, esperado);
+    const QString nombreAntes = QCoreApplication::applicationName();
+    const QString versionAntes = QCoreApplication::applicationVersion();
+    QCoreApplication::setApplicationName(nombre);
+    QCoreApplication::setApplicationVersion(version);
+    MiniHelp v;
+    v.TituloMiniWeb(QString());
+    const QString visto = Control(&v, "MiVersion")->property("texto").toString();
+    QCoreApplication::setApplicationName(nombreAntes);
+    QCoreApplication::setApplicationVersion(versionAntes);
+    QCOMPARE(visto, esperado);
+}
+
+void TestMiniHelp::tituloMiniWeb_data()
+{
+    QTest::addColumn<QStringList>("titulos");
+    QTest::addColumn<QString>("esperado");
+    QTest::addColumn<int>("dibujos");
+    QTest::newRow("vacio da la version") << QStringList{QString()} << MiniHelp::TextoVersion() << 1;
+    QTest::newRow("titulo propio") << QStringList{u"Ayuda de Facturación"_qs} << u"Ayuda de Facturación"_qs << 1;
+    QTest::newRow("el ultimo manda") << QStringList{u"Uno"_qs, u"Dos"_qs} << u"Dos"_qs << 2;
+    QTest::newRow("vuelta a la version") << QStringList{u"Uno"_qs, QString()} << MiniHelp::TextoVersion() << 2;
+}
+
+void TestMiniHelp::tituloMiniWeb()
+{
+    QFETCH(QStringList, titulos);
+    QFETCH(QString, esperado);
+    QFETCH(int, dibujos);
+    MiniHelp v;
+    v.show();
+    QApplication::processEvents();
+    for (const QString &t : titulos)
+        v.TituloMiniWeb(t);
+    QWidget *tira = Control(&v, "MiVersion");
+    QCOMPARE(tira->property("texto").toString(), esperado);
+    QCOMPARE(tira->property("dibujos").toInt(), dibujos);
+    QVERIFY(tira->isVisible());
+    QVERIFY(esperado != MiniHelp::TextoVersion() || esperado.startsWith(u"Programa "_qs));
+}
+
+void TestMiniHelp::tiraCentrada_data()
+{
+    QTest::addColumn<QString>("titulo");
+    QTest::newRow("corto") << u"Ayuda"_qs;
+    QTest::newRow("largo") << u"Programa CONTABILIDAD GENERAL  -  Versión 12.34.567"_qs;
+}
+
+void TestMiniHelp::tiraCentrada()
+{
+    QFETCH(QString, titulo);
+    MiniHelp v;
+    v.show();
+    QApplication::processEvents();
+    v.TituloMiniWeb(titulo);
+    QWidget *tira = Control(&v, "MiVersion");
+    const QImage img = tira->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    // Ink: pixels much darker than the strip's background, away from its frame.
+    const int fondo = qGray(tira->palette().color(QPalette::Window).rgb());
+    int izq = img.width(), der = -1, arriba = img.height(), abajo = -1;
+    for (int y = 3; y < img.height() - 3; ++y)
+        for (int x = 3; x < img.width() - 3; ++x)
+            if (fondo - qGray(img.pixel(x, y)) > 80) {
+                izq = std::min(izq, x);
+                der = std::max(der, x);
+                arriba = std::min(arriba, y);
+                abajo = std::max(abajo, y);
+            }
+    QVERIFY2(der >= 0, "nothing drawn");
+    const int margenIzq = izq, margenDer = img.width() - 1 - der;
+    QVERIFY2(std::abs(margenIzq - margenDer) <= 4,
+             qPrintable(QStringLiteral("left %1 right %2").arg(margenIzq).arg(margenDer)));
+    const int margenArriba = arriba, margenAbajo = img.height() - 1 - abajo;
+    QVERIFY2(std::abs(margenArriba - margenAbajo) <= 6,
+             qPrintable(QStringLiteral("top %1 bottom %2").arg(margenArriba).arg(margenAbajo)));
+}
+
+void TestMiniHelp::documentoDeFichero()
+{
+    QTextDocument doc;
+    QVERIFY(CargarRtf(Ruta("ayuda_formatos.rtf"), &doc));
+    QCOMPARE(doc.blockCount(), 8);
+    QCOMPARE(doc.begin().text(), u"Ayuda de Facturación"_qs);
+    QCOMPARE(doc.begin().blockFormat().alignment() & Qt::AlignHorizontal_Mask, Qt::AlignHCenter);
+    QCOMPARE(doc.lastBlock().blockFormat().alignment() & Qt::AlignHorizontal_Mask, Qt::AlignRight);
+    QCOMPARE(doc.findBlockByNumber(4).text(), u"Código\tDescripción\tImporte"_qs);
+    QCOMPARE(doc.findBlockByNumber(6).text(), u"Primera línea\u2028segunda línea del mismo párrafo."_qs);
+
+    QTextCharFormat f;
+    QVERIFY(Fragmento(doc, u"Ayuda de Facturación"_qs, &f));
+    QCOMPARE(f.fontWeight(), int(QFont::Bold));
+    QCOMPARE(f.fontPointSize(), 18.0);
+    QVERIFY(Fragmento(doc, u"Aceptar"_qs, &f));
+    QCOMPARE(f.fontWeight(), int(QFont::Bold));
+    QVERIFY(!f.fontItalic());
+    QVERIFY(Fragmento(doc, u"cursiva"_qs, &f));
+    QVERIFY(f.fontItalic());
+    QCOMPARE(f.fontWeight(), int(QFont::Normal));
+    QVERIFY(Fragmento(doc, u"subrayados"_qs, &f));
+    QVERIFY(f.fontUnderline());
+    QVERIFY(Fragmento(doc, u"Atención:"_qs, &f));
+    QCOMPARE(f.foreground().color(), QColor(192, 0, 0));
+    QVERIFY(Fragmento(doc, u"los importes"_qs, &f));
+    QCOMPARE(f.foreground().color(), QColor(0, 0, 255));
+    QCOMPARE(f.fontPointSize(), 14.0);
+    QVERIFY(Fragmento(doc, u"MONTAÑA"_qs, &f));
+    QCOMPARE(f.fontFamilies().toStringList(), QStringList{u"Liberation Mono"_qs});
+    QVERIFY(Fragmento(doc, u"y pulse Intro."_qs, &f));
+    QCOMPARE(f.fontFamilies().toStringList(), QStringList{u"DejaVu Serif"_qs});  // \deff3
+    QVERIFY(!f.foreground().color().isValid() || f.foreground().style() == Qt::NoBrush);
+}
+
+void TestMiniHelp::cargarAyuda_data()
+{
+    QTest::addColumn<QByteArray>("contenido");
+    QTest::addColumn<QString>("primeraLinea");
+    QTest::addColumn<QString>("ultimaLinea");
+
+    QFile f(Ruta("ayuda_simbolos.rtf"));
+    QVERIFY(f.open(QIODevice::ReadOnly));
+    const QByteArray rtf = f.readAll();
+    QTest::newRow("fichero rtf") << rtf << u"¿Cómo se añade un cliente? ¡Muy fácil!"_qs
+                                 << u"Letra pequeña y letra grande."_qs;
+    // A file cut right after the third paragraph shows the paragraphs before the cut.
+    const qsizetype corte = rtf.indexOf("comillas");
+    QTest::newRow("fichero cortado") << rtf.left(corte) << u"¿Cómo se añade un cliente? ¡Muy fácil!"_qs
+                                     << u"Moneda: 25 € — el guion largo y las «"_qs;
+    QTest::newRow("texto sin formato") << QByteArray("Línea uno\r\nLínea dos\r\n")
+                                       << u"Línea uno"_qs << u"Línea dos"_qs;
+}
+
+void TestMiniHelp::cargarAyuda()
+{
+    QFETCH(QByteArray, contenido);
+    QFETCH(QString, primeraLinea);
+    QFETCH(QString, ultimaLinea);
+    QTemporaryDir dir;
+    const QString ruta = dir.filePath(u"AYUDA.RTF"_qs);
+    QFile f(ruta);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write(contenido);
+    f.close();
+
+    MiniHelp v;
+    v.CargarAyuda(ruta);
+    auto *texto = qobject_cast<QTextEdit *>(Control(&v, "TextoAyuda"));
+    const QStringList lineas = texto->toPlainText().split(u'\n');
+    QCOMPARE(lineas.first(), primeraLinea);
+    QCOMPARE(lineas.last(), ultimaLinea);
+    QCOMPARE(texto->textCursor().position(), 0);
+}
+
+void TestMiniHelp::cargarAyudaSinFichero()
+{
+    MiniHelp v;
+    int numero = 0;
+    try {
+        v.CargarAyuda(u"/no/existe/AYUDA.RTF"_qs);
+    } catch (const ErrorEjecucion &e) {
+        numero = e.numero();
+    }
+    QCOMPARE(numero, int(ErrorEjecucion::ArchivoNoEncontrado));
+}
+
+void TestMiniHelp::modalYCerrar()
+{
+    MiniHelp v;
+    v.CargarAyuda(Ruta("ayuda_formatos.rtf"));
+    bool eraLaAyuda = false;
+    QString visto;
+    QTimer::singleShot(0, &v, [&] {
+        QWidget *m = QApplication::activeModalWidget();
+        eraLaAyuda = qobject_cast<MiniHelp *>(m) != nullptr;
+        if (!m)
+            return;
+        visto = qobject_cast<QTextEdit *>(Control(m, "TextoAyuda"))->toPlainText().section(u'\n', 0, 0);
+        QTest::mouseClick(Control(m, "cmdCerrar"), Qt::LeftButton);
+    });
+    const int r = v.exec();
+    QVERIFY(eraLaAyuda);
+    QCOMPARE(visto, u"Ayuda de Facturación"_qs);
+    QCOMPARE(r, int(QDialog::Rejected));
+    QVERIFY(!v.isVisible());
+
+    // Shown without exec, cmdCerrar closes it as well.
+    v.show();
+    QApplication::processEvents();
+    QVERIFY(v.isVisible());
+    QTest::mouseClick(Control(&v, "cmdCerrar"), Qt::LeftButton);
+    QVERIFY(!v.isVisible());
+}
+
+QTEST_MAIN(TestMiniHelp)
+#include "tst_minihelp.moc"
