@@ -1,0 +1,227 @@
+// The grid widget over its model, with the item-model tester attached: titles in the header,
+// widths in twips, alignments, bold marks, hidden rows, current cell, real mouse clicks and the
+// wheel, and a grid of a million rows.
+#include <kvr/escala.h>
+#include <kvr/mivisor.h>
+#include <kvr/visorrejilla.h>
+
+#include <QAbstractItemModelTester>
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QtTest>
+
+using namespace kvr;
+
+namespace {
+
+void cargarAgenda(VisorRejilla &v)
+{
+    CargarVisor(v.rejilla(), u";Nombre#34;Teléfono#18>;<Fax#8=;eMail#25"_qs);
+    const QStringList filas{u"\tAna\t600111222\t\tana@ejemplo.es"_qs, u"\tbea\t600333444\t91\tbea@ejemplo.es"_qs,
+                            u"\tCarlos\t600555666\t\tcarlos@ejemplo.es"_qs};
+    for (int i = 0; i < filas.size(); ++i) {
+        const QStringList celdas = filas[i].split(u'\t');
+        for (int c = 0; c < celdas.size(); ++c)
+            PonerCelda(v.rejilla(), i + 1, c, celdas[c]);
+    }
+}
+
+} // namespace
+
+class TstVisorRejilla : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void init()
+    {
+        FactorX = FactorY = 0.0f;
+        QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
+    }
+
+    void aspecto()
+    {
+        VisorRejilla v;
+        QAbstractItemModelTester tester(v.model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+        v.rejilla().PonerFixedCols(0);
+        cargarAgenda(v);
+        v.resize(800, 300);
+        v.show();
+        QCoreApplication::processEvents();
+        QAbstractItemModel *m = v.model();
+        QCOMPARE(m->rowCount(), 3);
+        QCOMPARE(m->columnCount(), 5);
+        QCOMPARE(m->headerData(1, Qt::Horizontal).toString(), u"Nombre"_qs);
+        QCOMPARE(m->index(1, 1).data().toString(), u"bea"_qs);
+        // Widths: twips at the logical dpi; the untitled first column is hidden.
+        QVERIFY(v.isColumnHidden(0));
+        QCOMPARE(v.columnWidth(1), int(std::lround(34 * 120 * v.logicalDpiX() / 1440.0)));
+        QCOMPARE(v.columnWidth(4), v.pixeles(25 * 120));
+        // Alignments of cells and titles.
+        const auto alin = [&](int f, int c) { return m->index(f, c).data(Qt::TextAlignmentRole).value<Qt::Alignment>(); };
+        const auto alinTitulo = [&](int c) { return m->headerData(c, Qt::Horizontal, Qt::TextAlignmentRole).value<Qt::Alignment>(); };
+        QCOMPARE(alin(0, 1), Qt::AlignLeft | Qt::AlignVCenter);
+        QCOMPARE(alin(0, 2), Qt::AlignRight | Qt::AlignVCenter);
+        QCOMPARE(alin(0, 3), Qt::AlignHCenter | Qt::AlignVCenter);
+        QCOMPARE(alinTitulo(1), Qt::AlignHCenter | Qt::AlignVCenter);
+        QCOMPARE(alinTitulo(3), Qt::AlignLeft | Qt::AlignVCenter);
+        // Bold cells and the sort's title mark.
+        v.rejilla().PonerNegritaCelda(2, 1, true);
+        QVERIFY(m->index(1, 1).data(Qt::FontRole).value<QFont>().bold());
+        QVERIFY(!m->index(0, 1).data(Qt::FontRole).isValid());
+        OrdenarVisor(v.rejilla(), 2, true);
+        QVERIFY(m->headerData(2, Qt::Horizontal, Qt::FontRole).value<QFont>().bold());
+        QVERIFY(!m->headerData(1, Qt::Horizontal, Qt::FontRole).value<QFont>().bold());
+        QVERIFY(v.isVisible()); // shown again after the sort
+        // Hidden rows follow RowHeight.
+        v.rejilla().PonerRowHeight(2, 0);
+        QVERIFY(v.isRowHidden(1));
+        v.rejilla().PonerRowHeight(2, -1);
+        QVERIFY(!v.isRowHidden(1));
+        // The layout's scaling through the invokable method.
+        FactorX = FactorY = 2.0f;
+        QVERIFY(QMetaObject::invokeMethod(&v, "EscalarColumnas"));
+        QCOMPARE(v.rejilla().ColWidth(1), 34 * 240);
+        QCOMPARE(v.rejilla().ColWidth(0), 0);
+        QCOMPARE(v.columnWidth(1), v.pixeles(34 * 240));
+    }
+
+    void raton_data()
+    {
+        QTest::addColumn<QString>("gesto");
+        QTest::addColumn<int>("filaVista"); // -1: the header
+        QTest::addColumn<int>("col");
+        QTest::addColumn<QString>("senal");
+        QTest::addColumn<int>("fila");
+        QTest::addColumn<int>("filaActual");
+        QTest::newRow("clic en celda") << u"clic"_qs << 1 << 2 << u"Click"_qs << 2 << 2;
+        QTest::newRow("clic en última fila") << u"clic"_qs << 2 << 4 << u"Click"_qs << 3 << 3;
+        QTest::newRow("clic en título") << u"clic"_qs << -1 << 1 << u"Click"_qs << 0 << 1;
+        QTest::newRow("derecho no mueve") << u"derecho"_qs << 2 << 1 << u"ClickDerecho"_qs << 3 << 1;
+        QTest::newRow("derecho en título") << u"derecho"_qs << -1 << 2 << u"ClickDerecho"_qs << 0 << 1;
+        QTest::newRow("doble clic") << u"doble"_qs << 1 << 1 << u"DobleClick"_qs << 2 << 2;
+    }
+    void raton()
+    {
+        QFETCH(QString, gesto);
+        QFETCH(int, filaVista);
+        QFETCH(int, col);
+        QFETCH(QString, senal);
+        QFETCH(int, fila);
+        QFETCH(int, filaActual);
+        VisorRejilla v;
+        QAbstractItemModelTester tester(v.model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+        v.rejilla().PonerFixedCols(0);
+        cargarAgenda(v);
+        v.resize(900, 300);
+        v.show();
+        QCoreApplication::processEvents();
+        v.rejilla().PonerRow(1);
+        v.rejilla().PonerCol(1);
+        QSignalSpy clic(&v, &VisorRejilla::Click), derecho(&v, &VisorRejilla::ClickDerecho),
+            doble(&v, &VisorRejilla::DobleClick);
+        QWidget *destino = filaVista < 0 ? v.horizontalHeader()->viewport() : v.viewport();
+        const QPoint punto = filaVista < 0
+            ? QPoint(v.horizontalHeader()->sectionViewportPosition(col) + 5, v.horizontalHeader()->height() / 2)
+            : v.visualRect(v.model()->index(filaVista, col)).center();
+        if (gesto == u"clic")
+            QTest::mouseClick(destino, Qt::LeftButton, {}, punto);
+        else if (gesto == u"derecho")
+            QTest::mouseClick(destino, Qt::RightButton, {}, punto);
+        else
+            QTest::mouseDClick(destino, Qt::LeftButton, {}, punto);
+        QSignalSpy &espia = senal == u"Click" ? clic : senal == u"ClickDerecho" ? derecho : doble;
+        QVERIFY(!espia.isEmpty());
+        QCOMPARE(espia.last().at(0).toInt(), fila);
+        QCOMPARE(espia.last().at(1).toInt(), col);
+        QCOMPARE(v.MouseRow(), fila);
+        QCOMPARE(v.MouseCol(), col);
+        QCOMPARE(v.rejilla().Row(), filaActual);
+        if (gesto != u"derecho" && filaVista >= 0)
+            QCOMPARE(v.rejilla().Col(), col);
+    }
+
+    void celdaActualDesdeLaRejilla()
+    {
+        VisorRejilla v;
+        cargarAgenda(v);
+        v.show();
+        QCoreApplication::processEvents();
+        QSignalSpy cambio(&v, &VisorRejilla::RowColChange);
+        v.rejilla().PonerRow(3);
+        v.rejilla().PonerCol(2);
+        QCOMPARE(v.currentIndex().row(), 2);
+        QCOMPARE(v.currentIndex().column(), 2);
+        QVERIFY(!cambio.isEmpty());
+    }
+
+    void redrawAplazado()
+    {
+        VisorRejilla v;
+        QAbstractItemModelTester tester(v.model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+        cargarAgenda(v);
+        v.show();
+        QCoreApplication::processEvents();
+        QSignalSpy reinicio(v.model(), &QAbstractItemModel::modelReset);
+        Rejilla &r = v.rejilla();
+        r.PonerRedraw(false);
+        for (int i = 0; i < 500; ++i)
+            r.AddItem(u"\tNombre %1"_qs.arg(i));
+        r.RemoveItem(1);
+        QCOMPARE(v.model()->rowCount(), 3); // what the view was told
+        QCoreApplication::processEvents();  // a paint now must not reach past the told rows
+        r.PonerRedraw(true);
+        QCOMPARE(reinicio.size(), 1);
+        QCOMPARE(v.model()->rowCount(), 502);
+        QCOMPARE(v.model()->index(501, 1).data().toString(), u"Nombre 499"_qs);
+        // Structural changes with Redraw on reach the view one by one.
+        r.AddItem(u"\tprimero"_qs, 1);
+        r.PonerCols(6);
+        r.PonerTextMatrix(0, 5, u"Nueva"_qs);
+        QCOMPARE(v.model()->headerData(5, Qt::Horizontal).toString(), u"Nueva"_qs);
+        QCOMPARE(v.model()->index(0, 1).data().toString(), u"primero"_qs);
+        QCOMPARE(reinicio.size(), 1);
+    }
+
+    void ruedaDelRaton()
+    {
+        VisorRejilla v;
+        cargarAgenda(v);
+        for (int i = 4; i < 200; ++i)
+            PonerCelda(v.rejilla(), i, 1, u"Fila %1"_qs.arg(i));
+        v.resize(600, 200);
+        v.show();
+        QCoreApplication::processEvents();
+        QScrollBar *barra = v.verticalScrollBar();
+        QCOMPARE(barra->value(), 0);
+        const QPointF centro = QRectF(v.viewport()->rect()).center();
+        QWheelEvent rueda(centro, v.viewport()->mapToGlobal(centro), QPoint(), QPoint(0, -120),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(v.viewport(), &rueda);
+        QVERIFY(barra->value() > 0);
+    }
+
+    void millonDeFilas()
+    {
+        VisorRejilla v;
+        QAbstractItemModelTester tester(v.model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+        CargarVisor(v.rejilla(), u"Nombre#20;Importe#10>"_qs);
+        Rejilla &r = v.rejilla();
+        r.PonerRedraw(false);
+        for (int i = 0; i < 1000000; ++i)
+            r.AddItem(u"Cliente %1\t%2"_qs.arg(i).arg(i % 977));
+        r.PonerRedraw(true);
+        v.resize(500, 400);
+        v.show();
+        QCoreApplication::processEvents();
+        QCOMPARE(v.model()->rowCount(), 1000001);
+        v.scrollToBottom();
+        QCoreApplication::processEvents();
+        const QModelIndex ultima = v.indexAt(QPoint(5, v.viewport()->height() - 5));
+        QCOMPARE(ultima.data().toString(), u"Cliente 999999"_qs);
+        r.PonerRowHeight(1000001, 0); // hiding one row of a million
+        QVERIFY(v.isRowHidden(1000000));
+    }
+};
+
+QTEST_MAIN(TstVisorRejilla)
+#include "tst_visorrejilla.moc"
