@@ -1,0 +1,285 @@
+// The proportional layout on real widgets, offscreen, on a work area of 800 x 600 pixels at 96
+// dpi (12000 x 9000 twips, 15 twips a pixel).
+#include <kvr/campos.h>
+#include <kvr/escala.h>
+#include <kvr/layout.h>
+
+#include <QFrame>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QTableWidget>
+#include <QTest>
+
+#include <memory>
+
+using namespace kvr;
+
+// A grid that scales its own columns, as the runtime's grid widget does.
+class GridPropio : public QWidget {
+    Q_OBJECT
+public:
+    using QWidget::QWidget;
+    int llamadas = 0;
+    Q_INVOKABLE void EscalarColumnas() { ++llamadas; }
+};
+
+namespace {
+
+QFont fuente(const QString &familia, qreal puntos, bool negrita = false)
+{
+    QFont f(familia);
+    f.setPointSizeF(puntos);
+    f.setBold(negrita);
+    return f;
+}
+
+template<class W>
+W *control(QWidget *padre, const char *nombre, QRect g)
+{
+    auto *w = new W(padre);
+    w->setObjectName(QString::fromLatin1(nombre));
+    w->setGeometry(g);
+    return w;
+}
+
+// A window as its design gives it: 400 pixels (6000 twips) wide.
+std::unique_ptr<QWidget> formulario(int alto)
+{
+    auto form = std::make_unique<QWidget>();
+    form->setObjectName(QStringLiteral("frmPrueba"));
+    form->setFont(fuente(QStringLiteral("DejaVu Sans"), 8));
+    form->resize(400, alto);
+    form->move(50, 60);
+    control<QLabel>(form.get(), "etiNombre", {10, 10, 100, 20})->setFont(fuente(QStringLiteral("DejaVu Sans"), 8, true));
+    auto *fija = control<QLabel>(form.get(), "etiFija", {10, 40, 100, 20});
+    fija->setFont(fuente(QStringLiteral("DejaVu Serif"), 10));
+    PonerTagDe(fija, QStringLiteral("L(10) (FF)"));
+    control<QPushButton>(form.get(), "cmdAparcado", {-4000, 10, 50, 20});   // -60000 twips
+    control<QPushButton>(form.get(), "cmdCerca", {-2666, 10, 50, 20});      // about -40000 twips
+    auto *marco = control<QFrame>(form.get(), "Marco", {200, 10, 150, 80});
+    control<QLabel>(marco, "etiDentro", {10, 10, 80, 20});                  // inherits its font
+    auto *grid = control<QTableWidget>(form.get(), "Grid", {10, 100, 180, 60});
+    grid->setColumnCount(2);
+    grid->horizontalHeader()->setStretchLastSection(false);
+    grid->setColumnWidth(0, 100);
+    grid->setColumnWidth(1, 50);
+    control<GridPropio>(form.get(), "GridPropio", {200, 100, 100, 60});
+    return form;
+}
+
+template<class W = QWidget>
+W *hijo(QWidget *form, const char *nombre)
+{
+    return form->findChild<W *>(QString::fromLatin1(nombre));
+}
+
+} // namespace
+
+class TestLayout : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void init()
+    {
+        FactorX = FactorY = 0.0f;
+        SinEscalar = false;
+        SimularPantalla(QRect(0, 0, 800, 600));
+    }
+    void cleanupTestCase() { QuitarPantallaSimulada(); }
+
+    void areaUtil()
+    {
+        QCOMPARE(AnchoUtil(), 12000);
+        QCOMPARE(AltoUtil(), 9000);
+        SimularPantalla(QRect(0, 0, 1000, 700), 120, 120);
+        QCOMPARE(AnchoUtil(), 12000);
+        QCOMPARE(AltoUtil(), 8400);
+        QuitarPantallaSimulada();
+        QScreen *s = QGuiApplication::primaryScreen();
+        QCOMPARE(AnchoUtil(), qRound(s->availableGeometry().width() * 1440.0 / s->logicalDotsPerInchX()));
+        QCOMPARE(AltoUtil(), qRound(s->availableGeometry().height() * 1440.0 / s->logicalDotsPerInchY()));
+    }
+
+    void sinFactorNadaCambia_data()
+    {
+        QTest::addColumn<float>("factor");
+        QTest::addColumn<bool>("sinEscalar");
+        QTest::newRow("antes de calcular") << 0.0f << false;
+        QTest::newRow("SinEscalar levantado") << 1.5f << true;
+    }
+    void sinFactorNadaCambia()
+    {
+        QFETCH(float, factor); QFETCH(bool, sinEscalar);
+        FactorX = FactorY = factor;
+        SinEscalar = sinEscalar;
+        auto form = formulario(200);
+        float ancho = 7, alto = 9;
+        Redimensionar(form.get(), ancho, alto, true);
+        QCOMPARE(form->geometry(), QRect(50, 60, 400, 200));
+        QCOMPARE(hijo(form.get(), "etiNombre")->geometry(), QRect(10, 10, 100, 20));
+        QCOMPARE(hijo(form.get(), "etiNombre")->font().pointSizeF(), 8.0);
+        QCOMPARE(hijo<QTableWidget>(form.get(), "Grid")->columnWidth(0), 100);
+        QCOMPARE(hijo<GridPropio>(form.get(), "GridPropio")->llamadas, 0);
+        QCOMPARE(ancho, 7.0f); // nothing reported either
+        QCOMPARE(alto, 9.0f);
+    }
+
+    void escalado_data()
+    {
+        QTest::addColumn<int>("alto");
+        QTest::addColumn<float>("factor");
+        QTest::newRow("el ancho da 1.5") << 200 << 1.5f;
+        QTest::newRow("el alto da menos") << 400 << 1.25f;
+    }
+    void escalado()
+    {
+        QFETCH(int, alto); QFETCH(float, factor);
+        auto form = formulario(alto);
+        float a = 0, h = 0;
+        Redimensionar(form.get(), a, h, false);
+        QCOMPARE(FactorX, factor);
+        QCOMPARE(FactorY, factor);
+        const auto esc = [factor](int v) { return qRound(v * factor); };
+        QCOMPARE(form->geometry(), QRect(0, 0, esc(400), esc(alto)));
+        QCOMPARE(hijo(form.get(), "etiNombre")->geometry(), QRect(esc(10), esc(10), esc(100), esc(20)));
+        QCOMPARE(hijo(form.get(), "etiDentro")->geometry(), QRect(esc(10), esc(10), esc(80), esc(20)));
+        QCOMPARE(hijo(form.get(), "cmdCerca")->x(), esc(-2666));
+        // Parked out of sight, it stays below -50000 twips.
+        QVERIFY(hijo(form.get(), "cmdAparcado")->x() * 15 < -50000);
+        QCOMPARE(hijo(form.get(), "cmdAparcado")->x(), qRound((-4000 + 5000) * factor - 5000));
+
+        const QFont negrita = hijo(form.get(), "etiNombre")->font();
+        QCOMPARE(negrita.pointSizeF(), 8.0 * factor);
+        QVERIFY(negrita.bold());
+        // Scaled once, although its frame's font was scaled too.
+        QCOMPARE(hijo(form.get(), "etiDentro")->font().pointSizeF(), 8.0 * factor);
+        QCOMPARE(hijo(form.get(), "Marco")->font().pointSizeF(), 8.0 * factor);
+
+        auto *grid = hijo<QTableWidget>(form.get(), "Grid");
+        QCOMPARE(grid->columnWidth(0), esc(100));
+        QCOMPARE(grid->columnWidth(1), esc(50));
+        QCOMPARE(hijo<GridPropio>(form.get(), "GridPropio")->llamadas, 1);
+        // Qt's own parts of the grid are left to the grid.
+        QCOMPARE(grid->viewport()->font().pointSizeF(), 8.0 * factor);
+    }
+
+    void reutilizar()
+    {
+        auto primera = formulario(200);
+        Redimensionar(primera.get(), false);
+        QCOMPARE(FactorX, 1.5f);
+        // The next window uses the factor already computed and reports its scaled size.
+        auto segunda = formulario(100);
+        float ancho = 0, alto = 0;
+        Redimensionar(segunda.get(), ancho, alto, true);
+        QCOMPARE(ancho, 600.0f);
+        QCOMPARE(alto, 150.0f);
+        QCOMPARE(segunda->geometry(), QRect(0, 0, 600, 150));
+        QCOMPARE(FactorX, 1.5f);
+    }
+
+    void tamanoPedido()
+    {
+        auto form = formulario(200);
+        float ancho = 1000, alto = 0; // pixels
+        Redimensionar(form.get(), ancho, alto, false);
+        // 2.5 from the width, 2.0 from the height (3000 twips aiming at 6000).
+        QCOMPARE(FactorX, 2.0f);
+        QCOMPARE(form->size(), QSize(800, 400));
+    }
+
+    void sinEscalarCalculaYMueve()
+    {
+        SinEscalar = true;
+        auto form = formulario(200);
+        Redimensionar(form.get(), false);
+        QCOMPARE(FactorX, 1.5f);
+        QCOMPARE(form->geometry(), QRect(0, 0, 400, 200));
+        QCOMPARE(hijo(form.get(), "etiNombre")->geometry(), QRect(10, 10, 100, 20));
+        QCOMPARE(hijo(form.get(), "etiNombre")->font().pointSizeF(), 8.0);
+    }
+
+    void ponerFuente()
+    {
+        auto form = formulario(200);
+        PonerFuente(form.get());
+        const QString dialogo = FuenteDialogo();
+        QVERIFY(!dialogo.isEmpty());
+        QCOMPARE(hijo(form.get(), "etiNombre")->font().family(), dialogo);
+        QCOMPARE(hijo(form.get(), "etiDentro")->font().family(), dialogo);
+        QCOMPARE(hijo(form.get(), "Grid")->font().family(), dialogo);
+        QCOMPARE(hijo(form.get(), "etiFija")->font().family(), QStringLiteral("DejaVu Serif"));
+        QVERIFY(hijo(form.get(), "etiNombre")->font().bold());
+
+        Redimensionar(form.get(), false);
+        const QFont fija = hijo(form.get(), "etiFija")->font();
+        QCOMPARE(fija.family(), QStringLiteral("DejaVu Serif"));
+        QCOMPARE(fija.pointSizeF(), 15.0);
+        QCOMPARE(hijo(form.get(), "etiFija")->geometry(), QRect(15, 60, 150, 30));
+    }
+
+    void fijaConservaFamiliaHeredada()
+    {
+        // A "(FF)" control that only inherits its family keeps it when the window's font changes.
+        QWidget form;
+        form.setFont(fuente(QStringLiteral("DejaVu Serif"), 9));
+        auto *eti = control<QLabel>(&form, "etiHeredada", {0, 0, 50, 20});
+        PonerTagDe(eti, QStringLiteral("(FF)"));
+        PonerFuente(&form);
+        QCOMPARE(form.font().family(), FuenteDialogo());
+        QCOMPARE(eti->font().family(), QStringLiteral("DejaVu Serif"));
+    }
+
+    void visibleSigueVisible()
+    {
+        auto form = formulario(200);
+        form->show();
+        QVERIFY(QTest::qWaitForWindowExposed(form.get()));
+        Redimensionar(form.get(), false);
+        QVERIFY(form->isVisible());
+        QCOMPARE(form->size(), QSize(600, 300));
+    }
+
+    void tamanoFijo()
+    {
+        auto form = formulario(200);
+        form->setFixedSize(400, 200);
+        Redimensionar(form.get(), false);
+        QCOMPARE(form->size(), QSize(600, 300));
+        QCOMPARE(form->minimumSize(), QSize(600, 300));
+        QCOMPARE(form->maximumSize(), QSize(600, 300));
+    }
+
+    void centrar_data()
+    {
+        QTest::addColumn<QRect>("area");
+        QTest::addColumn<QSize>("tamano");
+        QTest::newRow("en el origen") << QRect(0, 0, 800, 600) << QSize(400, 300);
+        QTest::newRow("barra a la izquierda") << QRect(100, 40, 800, 600) << QSize(400, 300);
+        QTest::newRow("tamaño impar") << QRect(0, 0, 800, 600) << QSize(401, 301);
+        QTest::newRow("mayor que el área") << QRect(0, 0, 800, 600) << QSize(1000, 700);
+    }
+    void centrar()
+    {
+        QFETCH(QRect, area); QFETCH(QSize, tamano);
+        SimularPantalla(area);
+        QWidget form;
+        form.resize(tamano);
+        form.move(700, 500);
+        form.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&form));
+        Centrar(&form);
+        // The window with its frame sits in the middle of the work area (to the pixel: the extra
+        // twip is a fifteenth of one).
+        const QRect marco = form.frameGeometry();
+        QVERIFY2(qAbs(2 * marco.x() + marco.width() - (2 * area.x() + area.width())) <= 1,
+                 qPrintable(QStringLiteral("x %1 ancho %2").arg(marco.x()).arg(marco.width())));
+        QVERIFY2(qAbs(2 * marco.y() + marco.height() - (2 * area.y() + area.height())) <= 1,
+                 qPrintable(QStringLiteral("y %1 alto %2").arg(marco.y()).arg(marco.height())));
+    }
+};
+
+QTEST_MAIN(TestLayout)
+#include "tst_layout.moc"
