@@ -145,6 +145,9 @@ void mostrarError(const ErrorEjecucion &e)
     s.Mensaje(e.descripcion(), Critico, s.TituloAplicacion());
 }
 
+// Dynamic property marking the field that is current in its window (entered, not yet left).
+constexpr const char *kDentro = "_kvr_dentro";
+
 class FiltroCampo : public QObject {
 public:
     static FiltroCampo *instancia()
@@ -163,15 +166,22 @@ protected:
             return false;
         switch (evento->type()) {
         case QEvent::FocusIn:
+            // The field becomes the window's current field; coming back from another window to
+            // the field that was current is not entering it again.
+            if (!campo->property(kDentro).toBool()) {
+                campo->setProperty(kDentro, true);
+                CampoGotFocus(campo);
+            }
+            return false;
         case QEvent::FocusOut: {
             // Switching windows or opening a popup is not leaving the field.
             const auto razon = static_cast<QFocusEvent *>(evento)->reason();
             if (razon == Qt::ActiveWindowFocusReason || razon == Qt::PopupFocusReason)
                 return false;
-            if (evento->type() == QEvent::FocusIn)
-                CampoGotFocus(campo);
-            else
+            if (campo->property(kDentro).toBool()) {
+                campo->setProperty(kDentro, false);
                 CampoLostFocus(campo);
+            }
             return false;
         }
         case QEvent::KeyPress:

@@ -48,8 +48,10 @@ class TstCampos : public QObject {
             PrepararCampo(mes, u"T(m) L(9) A(I) +(Marzo)"_qs);
             libre = edit("libre", "T(m) L(20) A(I)");
             ultimo = edit("ultimo", nullptr);
+            ultimo->setFocus(); // the tests enter the fields themselves
             w.show();
             w.activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(&w));
         }
     };
 
@@ -99,7 +101,8 @@ private Q_SLOTS:
         QTest::newRow("código sólo cifras") << u"codigo"_qs << u"4x5"_qs << u"45"_qs;
         QTest::newRow("mayúsculas con eñe") << u"provincia"_qs << u"coruñ"_qs << u"CORUÑ"_qs;
         QTest::newRow("letra del NIF") << u"nif"_qs << u"12345678?"_qs << u"12345678Z"_qs;
-        QTest::newRow("texto libre") << u"libre"_qs << u"a+b"_qs << QString(); // "+" fills the empty default
+        QTest::newRow("texto libre") << u"libre"_qs << u"añ,"_qs << u"añ,"_qs;
+        QTest::newRow("más sin valor vacía") << u"libre"_qs << u"a+"_qs << QString();
     }
     void teclasFiltradas()
     {
@@ -233,6 +236,39 @@ private Q_SLOTS:
         QCOMPARE(v.activo->palette().color(QPalette::Window), QColor(192, 255, 255));
         QVERIFY(enfocar(v.fecha));
         QVERIFY(!v.activo->palette().isBrushSet(QPalette::Active, QPalette::Window));
+    }
+
+    void primer_campo_de_una_ventana_nueva()
+    {
+        // The field that has the focus when its window opens is entered like any other, and
+        // switching to another window and back neither leaves nor re-enters it.
+        ServiciosGrabados servicios;
+        QWidget w;
+        auto *l = new QVBoxLayout(&w);
+        auto *a = new QLineEdit(&w);
+        auto *b = new QLineEdit(&w);
+        l->addWidget(a);
+        l->addWidget(b);
+        PrepararCampo(a, u"T(N) L(9) A(D)"_qs);
+        a->setText(u"7"_qs);
+        a->setFocus();
+        w.show();
+        w.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&w));
+        QTRY_VERIFY(a->hasFocus());
+        QCOMPARE(a->text(), u"7.00"_qs);
+        QCOMPARE(a->palette().color(QPalette::Base), QColor(192, 255, 255));
+
+        QWidget otra;
+        otra.show();
+        otra.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&otra));
+        QCOMPARE(a->palette().color(QPalette::Base), QColor(192, 255, 255));
+        QVERIFY(UltimoCampo.isNull());
+        w.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&w));
+        QCOMPARE(TagDe(a).count(u"P("_qs), 1);
+        QVERIFY(TagDe(a).contains(u"P(-2147483643)"_qs));
     }
 
     void cambiando_texto_y_ultimo_campo()

@@ -20,11 +20,16 @@ exec xvfb-run -a sh -c '
   if [ "$cuantas" != 1 ]; then echo "expected one notice, saw $cuantas"; kill $pid; exit 1; fi
   sleep 0.5
   if ! kill -0 $pid 2>/dev/null; then echo "the program did not wait for the user"; exit 1; fi
+  hijos=$(pgrep -P $pid | tr "\n" " ")
   xdotool windowfocus --sync "$ventana" key Return
   for i in $(seq 1 50); do kill -0 $pid 2>/dev/null || break; sleep 0.1; done
   if kill -0 $pid 2>/dev/null; then echo "the program is still running"; kill $pid; exit 1; fi
   wait $pid; estado=$?
   if [ $estado != 0 ]; then echo "exit status $estado"; exit 1; fi
-  if pgrep -f "$programa" >/dev/null; then echo "a process was left behind"; exit 1; fi
+  sleep 0.5
+  for p in $pid $hijos; do
+    if kill -0 $p 2>/dev/null; then echo "process $p was left behind"; exit 1; fi
+  done
+  if pgrep -x RTimeKVR >/dev/null; then echo "a process was left behind"; exit 1; fi
   echo ok
 ' sh "$programa"

@@ -1,0 +1,93 @@
+#!/bin/bash
+# Runtime KVR: one command for each job on a fresh Debian 12 machine.
+#   ./kvr.sh demo    installs what is missing, builds, and opens the demo host
+#   ./kvr.sh test    installs what is missing, builds, runs every test suite, the same suites
+#                    under AddressSanitizer and UndefinedBehaviorSanitizer, and the fuzzers
+#   ./kvr.sh build   installs what is missing and builds (no tests)
+#   ./kvr.sh bench   builds and runs the benchmarks in bench/
+set -euo pipefail
+cd "$(dirname "$0")"
+
+PAQUETES=(cmake ninja-build g++ clang-14 libclang-rt-14-dev pkg-config
+  qt6-base-dev qt6-base-dev-tools qt6-webengine-dev libgl-dev
+  xvfb xauth xdotool cups cups-client printer-driver-cups-pdf libcups2-dev python3 procps)
+FUZZ_SEGUNDOS=${FUZZ_SEGUNDOS:-45}
+
+preparar() {
+  local faltan=()
+  for p in "${PAQUETES[@]}"; do
+    dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || faltan+=("$p")
+  done
+  if [ ${#faltan[@]} -gt 0 ]; then
+    echo "== Instalando: ${faltan[*]}"
+    local sudo=""
+    [ "$(id -u)" = 0 ] || sudo="sudo"
+    $sudo apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y --no-install-recommends "${faltan[@]}"
+  fi
+}
+
+compilar() {
+  cmake --preset default
+  cmake --build --preset default
+}
+
+con_pantalla() {
+  if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
+    "$@"
+  else
+    echo "== Sin pantalla: se abre bajo Xvfb (xvfb-run)"
+    xvfb-run -a "$@"
+  fi
+}
+
+fuzz() {
+  cmake --preset fuzz
+  cmake --build --preset fuzz
+  local tmp
+  tmp=$(mktemp -d)
+  for f in build/fuzz/fuzz/fuzz_*; do
+    [ -x "$f" ] || continue
+    local nombre corpus
+    nombre=$(basename "$f")
+    corpus="$tmp/$nombre"
+    mkdir -p "$corpus"
+    [ -d "fuzz/corpus/$nombre" ] && cp -r "fuzz/corpus/$nombre/." "$corpus/"
+    echo "== $nombre durante ${FUZZ_SEGUNDOS} s"
+    QT_QPA_PLATFORM=offscreen "$f" -max_total_time="$FUZZ_SEGUNDOS" -rss_limit_mb=4096 -timeout=10 \
+      -print_final_stats=1 "$corpus" 2>&1 | tail -n 12
+  done
+  rm -rf "$tmp"
+}
+
+caso="${1:-}"
+case "$caso" in
+  demo)
+    preparar
+    compilar
+    con_pantalla ./build/default/apps/kvr-demo
+    ;;
+  test)
+    preparar
+    compilar
+    ctest --preset default --output-on-failure
+    cmake --preset asan
+    cmake --build --preset asan
+    ctest --preset asan --output-on-failure
+    fuzz
+    echo "== Todas las pruebas han pasado"
+    ;;
+  build)
+    preparar
+    compilar
+    ;;
+  bench)
+    preparar
+    compilar
+    for b in build/default/bench/bench_*; do [ -x "$b" ] && "$b"; done
+    ;;
+  *)
+    echo "uso: $0 demo | test | build | bench" >&2
+    exit 2
+    ;;
+esac
