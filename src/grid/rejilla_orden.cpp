@@ -108,50 +108,50 @@ inline char32_t leerUtf8(const unsigned char *&p)
 }
 
 // Appends the collation key of a UTF-8 text, with two levels or, when `conMayusculas`, three.
+// The accent and case levels are only written out from their first non-neutral weight on, so a
+// plain lower-case text costs one byte of key per character and nothing more.
 void claveTexto(std::vector<char> &out, const char *datos, std::size_t largo, bool conMayusculas)
 {
     thread_local std::string acentos, mayusculas;
     acentos.clear();
     mayusculas.clear();
-    std::size_t ultimoAcento = 0, ultimaMayuscula = 0;
     const auto &t = tabla();
     const unsigned char *p = reinterpret_cast<const unsigned char *>(datos);
     const unsigned char *fin = p + largo;
+    std::size_t posicion = 0;
     while (p < fin) {
         const char32_t c = leerUtf8(p);
         Peso peso;
         if (c < 256) {
             peso = t[c];
         } else {
-            const char32_t plegado = QChar::toCaseFolded(c);
-            peso.mayuscula = plegado != c;
+            peso.mayuscula = QChar::toCaseFolded(c) != c;
         }
         if (peso.primario) {
             out.push_back(char(peso.primario));
         } else {
             const char32_t plegado = c < 256 ? c : QChar::toCaseFolded(c);
-            out.push_back(char(Escape));
-            out.push_back(char(plegado >> 16));
-            out.push_back(char(plegado >> 8));
-            out.push_back(char(plegado));
+            const char escape[4] = {char(Escape), char(plegado >> 16), char(plegado >> 8), char(plegado)};
+            out.insert(out.end(), escape, escape + 4);
         }
-        acentos.push_back(char(peso.acento));
-        if (peso.acento != Neutro)
-            ultimoAcento = acentos.size();
-        if (conMayusculas) {
-            mayusculas.push_back(char(peso.mayuscula ? 3 : Neutro));
-            if (peso.mayuscula)
-                ultimaMayuscula = mayusculas.size();
+        if (peso.acento != Neutro) {
+            acentos.resize(posicion, char(Neutro));
+            acentos.push_back(char(peso.acento));
         }
+        if (conMayusculas && peso.mayuscula) {
+            mayusculas.resize(posicion, char(Neutro));
+            mayusculas.push_back(char(3));
+        }
+        ++posicion;
     }
-    if (ultimaMayuscula) {
+    if (!mayusculas.empty()) {
         out.push_back(char(Nivel));
-        out.insert(out.end(), acentos.begin(), acentos.begin() + std::ptrdiff_t(ultimoAcento));
+        out.insert(out.end(), acentos.begin(), acentos.end());
         out.push_back(char(Nivel));
-        out.insert(out.end(), mayusculas.begin(), mayusculas.begin() + std::ptrdiff_t(ultimaMayuscula));
-    } else if (ultimoAcento) {
+        out.insert(out.end(), mayusculas.begin(), mayusculas.end());
+    } else if (!acentos.empty()) {
         out.push_back(char(Nivel));
-        out.insert(out.end(), acentos.begin(), acentos.begin() + std::ptrdiff_t(ultimoAcento));
+        out.insert(out.end(), acentos.begin(), acentos.end());
     }
     out.push_back(char(Fin));
 }
@@ -195,10 +195,14 @@ bool puedeSerNumero(const char *datos, std::size_t largo)
 
 enum : unsigned char { ClaseVacia = 2, ClaseNumero = 3, ClaseTexto = 4 };
 
+// A row in the sort: the first 16 key bytes as two big-endian numbers, and its position.
 struct Elemento {
     uint64_t prefijo;
+    uint64_t prefijo2;
     uint32_t indice;
 };
+
+constexpr std::size_t Prefijo = 16;
 
 } // namespace
 
@@ -304,19 +308,21 @@ void Rejilla::ordenarClaves(const std::vector<char> &claves, const std::vector<u
     for (std::size_t i = 0; i < n; ++i) {
         const unsigned char *k = base + inicios[i];
         const std::size_t largo = inicios[i + 1] - inicios[i];
-        uint64_t prefijo = 0;
+        uint64_t p1 = 0, p2 = 0;
         for (std::size_t b = 0; b < 8; ++b)
-            prefijo = prefijo << 8 | (b < largo ? k[b] : 0);
-        elementos[i] = {prefijo, uint32_t(i)};
+            p1 = p1 << 8 | (b < largo ? k[b] : 0);
+        for (std::size_t b = 8; b < Prefijo; ++b)
+            p2 = p2 << 8 | (b < largo ? k[b] : 0);
+        elementos[i] = {p1, p2, uint32_t(i)};
     }
-    // Byte comparison of the whole keys once the 8-byte prefixes are equal.
+    // Byte comparison of the whole keys once the prefixes are equal.
     auto resto = [&](uint32_t a, uint32_t b) {
         const std::size_t la = inicios[a + 1] - inicios[a], lb = inicios[b + 1] - inicios[b];
-        if (la <= 8 && lb <= 8)
+        if (la <= Prefijo && lb <= Prefijo)
             return 0;
         const std::size_t m = std::min(la, lb);
-        if (m > 8) {
-            const int r = std::memcmp(base + inicios[a] + 8, base + inicios[b] + 8, m - 8);
+        if (m > Prefijo) {
+            const int r = std::memcmp(base + inicios[a] + Prefijo, base + inicios[b] + Prefijo, m - Prefijo);
             if (r)
                 return r;
         }
@@ -326,6 +332,8 @@ void Rejilla::ordenarClaves(const std::vector<char> &claves, const std::vector<u
         std::sort(elementos.begin(), elementos.end(), [&](const Elemento &x, const Elemento &y) {
             if (x.prefijo != y.prefijo)
                 return x.prefijo > y.prefijo;
+            if (x.prefijo2 != y.prefijo2)
+                return x.prefijo2 > y.prefijo2;
             const int r = resto(x.indice, y.indice);
             return r ? r > 0 : x.indice < y.indice;
         });
@@ -333,6 +341,8 @@ void Rejilla::ordenarClaves(const std::vector<char> &claves, const std::vector<u
         std::sort(elementos.begin(), elementos.end(), [&](const Elemento &x, const Elemento &y) {
             if (x.prefijo != y.prefijo)
                 return x.prefijo < y.prefijo;
+            if (x.prefijo2 != y.prefijo2)
+                return x.prefijo2 < y.prefijo2;
             const int r = resto(x.indice, y.indice);
             return r ? r < 0 : x.indice < y.indice;
         });
