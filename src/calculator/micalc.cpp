@@ -74,7 +74,10 @@ MiCalc::MiCalc(QWidget *parent)
     setAttribute(Qt::WA_DeleteOnClose);
 
     for (int i = 0; i < 24; ++i) {
-        m_teclas[i] = findChild<QPushButton *>(QStringLiteral("tecla(%1)").arg(i));
+        // The design names the keys "tecla(i)"; the form compiler turns that into "tecla_i_",
+        // so the control array's names are put back here.
+        m_teclas[i] = findChild<QPushButton *>(QStringLiteral("tecla_%1_").arg(i));
+        m_teclas[i]->setObjectName(QStringLiteral("tecla(%1)").arg(i));
         Q_ASSERT(m_teclas[i] && m_teclas[i]->text() == MotorCalculadora::TeclaDe(i));
         connect(m_teclas[i], &QPushButton::clicked, this, [this, i] { tecla_Click(i); });
     }
