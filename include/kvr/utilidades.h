@@ -37,7 +37,8 @@ int CodigoShift(int modificadoresQt);
 void RegistrarVentana(const QString &nombre, std::function<QWidget *()> fabrica);
 // Shows the window named `nombre`: a top-level window of that objectName already loaded (the
 // first in QApplication::topLevelWidgets()) is shown and brought forward; otherwise its
-// registered factory makes one, which is shown. A name without window nor factory does nothing.
+// registered factory makes one, which takes the name and is shown. A name without window nor
+// factory does nothing.
 // Returns the window shown, or nullptr.
 QWidget *MostrarVentana(const QString &nombre);
 

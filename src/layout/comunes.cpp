@@ -6,7 +6,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QHash>
 #include <QStringDecoder>
 
 #include <array>
@@ -23,7 +22,9 @@ namespace {
 // agrees with `iconv -f CP850` exactly.
 struct TablaDos {
     std::array<char16_t, 256> aTexto{};
-    QHash<char16_t, char> aDos;
+    // Text to CP850 by direct index over the whole Basic Multilingual Plane: 64 KB, and no
+    // hashing in the loop. Characters CP850 lacks hold "?".
+    std::array<char, 65536> aDos{};
 
     TablaDos()
     {
@@ -46,8 +47,12 @@ struct TablaDos {
                     aTexto[size_t(b)] = char16_t(b);
             }
         }
+        aDos.fill('?');
         for (int b = 255; b >= 0; --b)
-            aDos.insert(aTexto[size_t(b)], char(b));
+            aDos[aTexto[size_t(b)]] = char(b);
+        // NUL becomes a blank in both directions.
+        aTexto[0] = u' ';
+        aDos[0] = ' ';
     }
 
     bool leerDeIconv()
@@ -76,17 +81,6 @@ const TablaDos &tabla()
     return t;
 }
 
-char aByteDos(QChar c)
-{
-    if (c.unicode() == 0)
-        return ' ';
-    return tabla().aDos.value(c.unicode(), '?');
-}
-
-QChar aCaracter(unsigned char b)
-{
-    return b == 0 ? QChar(u' ') : QChar(tabla().aTexto[b]);
-}
 
 } // namespace
 
@@ -97,14 +91,15 @@ QString ConvertirJuego(const QString &texto, const QString &sentido)
     if (SinConvertirJuego)
         return r;
     const QString s = sentido.toLower();
+    const TablaDos &t = tabla();
     if (s == u"win") {
         for (QChar &c : r) {
             if (c.unicode() < 256)
-                c = aCaracter(static_cast<unsigned char>(c.unicode()));
+                c = QChar(t.aTexto[c.unicode()]);
         }
     } else if (s == u"dos") {
         for (QChar &c : r)
-            c = QChar(char16_t(static_cast<unsigned char>(aByteDos(c))));
+            c = QChar(char16_t(static_cast<unsigned char>(t.aDos[c.unicode()])));
     }
     return r;
 }
@@ -113,10 +108,11 @@ QString TextoDeDos(const QByteArray &bytes)
 {
     if (SinConvertirJuego)
         return QString::fromLatin1(bytes).replace(QChar(u'\0'), QChar(u' '));
+    const TablaDos &t = tabla();
     QString r(bytes.size(), Qt::Uninitialized);
-    QChar *d = r.data();
+    char16_t *d = reinterpret_cast<char16_t *>(r.data());
     for (const char b : bytes)
-        *d++ = aCaracter(static_cast<unsigned char>(b));
+        *d++ = t.aTexto[static_cast<unsigned char>(b)];
     return r;
 }
 
@@ -124,10 +120,11 @@ QByteArray BytesDeDos(const QString &texto)
 {
     if (SinConvertirJuego)
         return ConvertirJuego(texto, QString()).toLatin1();
+    const TablaDos &t = tabla();
     QByteArray r(texto.size(), Qt::Uninitialized);
     char *d = r.data();
     for (const QChar c : texto)
-        *d++ = aByteDos(c);
+        *d++ = t.aDos[c.unicode()];
     return r;
 }
 

@@ -213,8 +213,8 @@ QWidget *MostrarVentana(const QString &nombre)
     QWidget *w = (*it)();
     if (!w)
         return nullptr;
-    if (w->objectName().isEmpty())
-        w->setObjectName(nombre);
+    // The name is what finds it next time: one window of each name.
+    w->setObjectName(nombre);
     traerAlFrente(w);
     return w;
 }
