@@ -55,6 +55,7 @@ private Q_SLOTS:
     void tituloMiniWeb();
     void tiraCentrada_data();
     void tiraCentrada();
+    void documentoDeFichero_data();
     void documentoDeFichero();
     void cargarAyuda_data();
     void cargarAyuda();
@@ -174,39 +175,43 @@ void TestMiniHelp::tiraCentrada()
              qPrintable(QStringLiteral("top %1 bottom %2").arg(margenArriba).arg(margenAbajo)));
 }
 
+void TestMiniHelp::documentoDeFichero_data()
+{
+    // A fragment of the word-processor file and how it must look in the document.
+    QTest::addColumn<QString>("fragmento");
+    QTest::addColumn<QString>("aspecto");
+    QTest::newRow("titulo") << u"Ayuda de Facturación"_qs << u"b 18 DejaVu Serif centro"_qs;
+    QTest::newRow("negrita") << u"Aceptar"_qs << u"b 12 DejaVu Serif izq"_qs;
+    QTest::newRow("cursiva") << u"cursiva"_qs << u"i 12 DejaVu Serif izq"_qs;
+    QTest::newRow("subrayado") << u"subrayados"_qs << u"u 12 DejaVu Serif izq"_qs;
+    QTest::newRow("rojo") << u"Atención:"_qs << u"#c00000 12 DejaVu Serif izq"_qs;
+    QTest::newRow("azul grande") << u"los importes"_qs << u"#0000ff 14 DejaVu Serif izq"_qs;
+    QTest::newRow("otra fuente") << u"MONTAÑA"_qs << u"12 Liberation Mono der"_qs;
+    QTest::newRow("fuente por omision") << u"y pulse Intro."_qs << u"12 DejaVu Serif der"_qs;
+}
+
 void TestMiniHelp::documentoDeFichero()
 {
+    QFETCH(QString, fragmento);
+    QFETCH(QString, aspecto);
     QTextDocument doc;
     QVERIFY(CargarRtf(Ruta("ayuda_formatos.rtf"), &doc));
     QCOMPARE(doc.blockCount(), 8);
-    QCOMPARE(doc.begin().text(), u"Ayuda de Facturación"_qs);
-    QCOMPARE(doc.begin().blockFormat().alignment() & Qt::AlignHorizontal_Mask, Qt::AlignHCenter);
-    QCOMPARE(doc.lastBlock().blockFormat().alignment() & Qt::AlignHorizontal_Mask, Qt::AlignRight);
     QCOMPARE(doc.findBlockByNumber(4).text(), u"Código\tDescripción\tImporte"_qs);
     QCOMPARE(doc.findBlockByNumber(6).text(), u"Primera línea\u2028segunda línea del mismo párrafo."_qs);
 
     QTextCharFormat f;
-    QVERIFY(Fragmento(doc, u"Ayuda de Facturación"_qs, &f));
-    QCOMPARE(f.fontWeight(), int(QFont::Bold));
-    QCOMPARE(f.fontPointSize(), 18.0);
-    QVERIFY(Fragmento(doc, u"Aceptar"_qs, &f));
-    QCOMPARE(f.fontWeight(), int(QFont::Bold));
-    QVERIFY(!f.fontItalic());
-    QVERIFY(Fragmento(doc, u"cursiva"_qs, &f));
-    QVERIFY(f.fontItalic());
-    QCOMPARE(f.fontWeight(), int(QFont::Normal));
-    QVERIFY(Fragmento(doc, u"subrayados"_qs, &f));
-    QVERIFY(f.fontUnderline());
-    QVERIFY(Fragmento(doc, u"Atención:"_qs, &f));
-    QCOMPARE(f.foreground().color(), QColor(192, 0, 0));
-    QVERIFY(Fragmento(doc, u"los importes"_qs, &f));
-    QCOMPARE(f.foreground().color(), QColor(0, 0, 255));
-    QCOMPARE(f.fontPointSize(), 14.0);
-    QVERIFY(Fragmento(doc, u"MONTAÑA"_qs, &f));
-    QCOMPARE(f.fontFamilies().toStringList(), QStringList{u"Liberation Mono"_qs});
-    QVERIFY(Fragmento(doc, u"y pulse Intro."_qs, &f));
-    QCOMPARE(f.fontFamilies().toStringList(), QStringList{u"DejaVu Serif"_qs});  // \deff3
-    QVERIFY(!f.foreground().color().isValid() || f.foreground().style() == Qt::NoBrush);
+    QTextBlock b;
+    QVERIFY(Fragmento(doc, fragmento, &f, &b));
+    QStringList visto;
+    if (f.fontWeight() == QFont::Bold) visto << u"b"_qs;
+    if (f.fontItalic()) visto << u"i"_qs;
+    if (f.fontUnderline()) visto << u"u"_qs;
+    if (f.foreground().style() != Qt::NoBrush) visto << f.foreground().color().name();
+    visto << QString::number(f.fontPointSize()) << f.fontFamilies().toStringList().join(u',');
+    const Qt::Alignment a = b.blockFormat().alignment() & Qt::AlignHorizontal_Mask;
+    visto << (a == Qt::AlignHCenter ? u"centro"_qs : a == Qt::AlignRight ? u"der"_qs : u"izq"_qs);
+    QCOMPARE(visto.join(u' '), aspecto);
 }
 
 void TestMiniHelp::cargarAyuda_data()
