@@ -147,11 +147,15 @@ void MiniHelp::MiExplorer(const QString &URL, bool &Problema)
     ui->TextoAyuda->setPalette(paleta);
 
     const QUrl url = QUrl::fromUserInput(URL);
-    QPointer<MiniHelp> yo(this);
 #ifdef KVR_CON_WEBENGINE
+    QPointer<MiniHelp> yo(this);
     auto *vista = static_cast<QWebEngineView *>(m_web);
-    m_ocupado = true;
-    vista->load(url);
+    // An address that names no page starts no navigation: nothing would end the wait.
+    m_ocupado = url.isValid() && !url.isEmpty();
+    if (m_ocupado)
+        vista->load(url);
+    else
+        MiniWeb_Resultado(true);
     if (m_ocupado) {
         QEventLoop espera;
         const auto fin = [&espera, this] {
