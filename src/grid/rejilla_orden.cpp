@@ -302,50 +302,69 @@ void Rejilla::OrdenarPorValores(const std::vector<std::optional<double>> &valore
 void Rejilla::ordenarClaves(const std::vector<char> &claves, const std::vector<uint32_t> &inicios,
                             bool descendente)
 {
+    // Sorted 16 key bytes at a time: the rows are sorted by their first 16 bytes (held in the
+    // elements, so comparing touches no other memory); each run of rows equal so far whose keys
+    // go on is loaded with its next 16 bytes and sorted again, and so on. Equal keys end up in
+    // position order, which keeps the sort stable.
     const std::size_t n = inicios.size() - 1;
     const unsigned char *base = reinterpret_cast<const unsigned char *>(claves.data());
     std::vector<Elemento> elementos(n);
-    for (std::size_t i = 0; i < n; ++i) {
-        const unsigned char *k = base + inicios[i];
-        const std::size_t largo = inicios[i + 1] - inicios[i];
+    const auto cargar = [&](Elemento &e, std::size_t desde) {
+        const unsigned char *k = base + inicios[e.indice];
+        const std::size_t largo = inicios[e.indice + 1] - inicios[e.indice];
         uint64_t p1 = 0, p2 = 0;
-        for (std::size_t b = 0; b < 8; ++b)
+        for (std::size_t b = desde; b < desde + 8; ++b)
             p1 = p1 << 8 | (b < largo ? k[b] : 0);
-        for (std::size_t b = 8; b < Prefijo; ++b)
+        for (std::size_t b = desde + 8; b < desde + Prefijo; ++b)
             p2 = p2 << 8 | (b < largo ? k[b] : 0);
-        elementos[i] = {p1, p2, uint32_t(i)};
-    }
-    // Byte comparison of the whole keys once the prefixes are equal.
-    auto resto = [&](uint32_t a, uint32_t b) {
-        const std::size_t la = inicios[a + 1] - inicios[a], lb = inicios[b + 1] - inicios[b];
-        if (la <= Prefijo && lb <= Prefijo)
-            return 0;
-        const std::size_t m = std::min(la, lb);
-        if (m > Prefijo) {
-            const int r = std::memcmp(base + inicios[a] + Prefijo, base + inicios[b] + Prefijo, m - Prefijo);
-            if (r)
-                return r;
-        }
-        return la < lb ? -1 : (la > lb ? 1 : 0);
+        e.prefijo = p1;
+        e.prefijo2 = p2;
     };
-    if (descendente) {
-        std::sort(elementos.begin(), elementos.end(), [&](const Elemento &x, const Elemento &y) {
-            if (x.prefijo != y.prefijo)
-                return x.prefijo > y.prefijo;
-            if (x.prefijo2 != y.prefijo2)
-                return x.prefijo2 > y.prefijo2;
-            const int r = resto(x.indice, y.indice);
-            return r ? r > 0 : x.indice < y.indice;
-        });
-    } else {
-        std::sort(elementos.begin(), elementos.end(), [&](const Elemento &x, const Elemento &y) {
-            if (x.prefijo != y.prefijo)
-                return x.prefijo < y.prefijo;
-            if (x.prefijo2 != y.prefijo2)
-                return x.prefijo2 < y.prefijo2;
-            const int r = resto(x.indice, y.indice);
-            return r ? r < 0 : x.indice < y.indice;
-        });
+    for (std::size_t i = 0; i < n; ++i) {
+        elementos[i].indice = uint32_t(i);
+        cargar(elementos[i], 0);
+    }
+    const auto ordenar = [&](Elemento *desde, Elemento *hasta) {
+        if (descendente)
+            std::sort(desde, hasta, [](const Elemento &x, const Elemento &y) {
+                if (x.prefijo != y.prefijo)
+                    return x.prefijo > y.prefijo;
+                if (x.prefijo2 != y.prefijo2)
+                    return x.prefijo2 > y.prefijo2;
+                return x.indice < y.indice;
+            });
+        else
+            std::sort(desde, hasta, [](const Elemento &x, const Elemento &y) {
+                if (x.prefijo != y.prefijo)
+                    return x.prefijo < y.prefijo;
+                if (x.prefijo2 != y.prefijo2)
+                    return x.prefijo2 < y.prefijo2;
+                return x.indice < y.indice;
+            });
+    };
+    ordenar(elementos.data(), elementos.data() + n);
+
+    struct Tramo { std::size_t desde, hasta, hecho; };
+    std::vector<Tramo> pendientes{{0, n, 0}};
+    while (!pendientes.empty()) {
+        const Tramo t = pendientes.back();
+        pendientes.pop_back();
+        for (std::size_t i = t.desde; i < t.hasta;) {
+            std::size_t j = i + 1;
+            while (j < t.hasta && elementos[j].prefijo == elementos[i].prefijo
+                   && elementos[j].prefijo2 == elementos[i].prefijo2)
+                ++j;
+            // Keys of a run are equal so far; if one goes on, all do (keys are prefix-free).
+            const uint32_t r = elementos[i].indice;
+            const std::size_t hecho = t.hecho + Prefijo;
+            if (j - i > 1 && inicios[r + 1] - inicios[r] > hecho) {
+                for (std::size_t k = i; k < j; ++k)
+                    cargar(elementos[k], hecho);
+                ordenar(elementos.data() + i, elementos.data() + j);
+                pendientes.push_back({i, j, hecho});
+            }
+            i = j;
+        }
     }
 
     const bool a = avisar();
