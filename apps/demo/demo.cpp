@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -76,9 +77,19 @@ Demo::Demo(QWidget *parent)
 
     auto *botones = new QHBoxLayout;
     raiz->addLayout(botones);
+    auto *calculadora = new QPushButton(QStringLiteral("Calculadora (F4)"), this);
+    calculadora->setObjectName(QStringLiteral("cmdCalculadora"));
+    connect(calculadora, &QPushButton::clicked, this, [] { kvr::MostrarVentana(QStringLiteral("MiCalc")); });
+    botones->addWidget(calculadora);
     botones->addStretch();
     auto *salir = new QPushButton(QStringLiteral("Salir"), this);
     salir->setObjectName(QStringLiteral("cmdSalir"));
     connect(salir, &QPushButton::clicked, this, &QWidget::close);
     botones->addWidget(salir);
+}
+
+void Demo::keyReleaseEvent(QKeyEvent *evento)
+{
+    kvr::TeclasGlobales(evento, this);
+    QWidget::keyReleaseEvent(evento);
 }

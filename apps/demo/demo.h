@@ -7,4 +7,8 @@ class Demo : public QWidget {
     Q_OBJECT
 public:
     explicit Demo(QWidget *parent = nullptr);
+
+protected:
+    // F4 opens the calculator and F8 the phone book from any field, as in every runtime window.
+    void keyReleaseEvent(QKeyEvent *evento) override;
 };
