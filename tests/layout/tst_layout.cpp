@@ -93,9 +93,6 @@ private Q_SLOTS:
     {
         QCOMPARE(AnchoUtil(), 12000);
         QCOMPARE(AltoUtil(), 9000);
-        SimularPantalla(QRect(0, 0, 1000, 700), 120, 120);
-        QCOMPARE(AnchoUtil(), 12000);
-        QCOMPARE(AltoUtil(), 8400);
         QuitarPantallaSimulada();
         QScreen *s = QGuiApplication::primaryScreen();
         QCOMPARE(AnchoUtil(), qRound(s->availableGeometry().width() * 1440.0 / s->logicalDotsPerInchX()));
@@ -180,16 +177,6 @@ private Q_SLOTS:
         QCOMPARE(FactorX, 1.5f);
     }
 
-    void tamanoPedido()
-    {
-        auto form = formulario(200);
-        float ancho = 1000, alto = 0; // pixels
-        Redimensionar(form.get(), ancho, alto, false);
-        // 2.5 from the width, 2.0 from the height (3000 twips aiming at 6000).
-        QCOMPARE(FactorX, 2.0f);
-        QCOMPARE(form->size(), QSize(800, 400));
-    }
-
     void sinEscalarCalculaYMueve()
     {
         SinEscalar = true;
@@ -230,16 +217,6 @@ private Q_SLOTS:
         PonerFuente(&form);
         QCOMPARE(form.font().family(), FuenteDialogo());
         QCOMPARE(eti->font().family(), QStringLiteral("DejaVu Serif"));
-    }
-
-    void visibleSigueVisible()
-    {
-        auto form = formulario(200);
-        form->show();
-        QVERIFY(QTest::qWaitForWindowExposed(form.get()));
-        Redimensionar(form.get(), false);
-        QVERIFY(form->isVisible());
-        QCOMPARE(form->size(), QSize(600, 300));
     }
 
     void tamanoFijo()
