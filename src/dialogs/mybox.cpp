@@ -1,0 +1,437 @@
+// The runtime's modal box: message, buttons, icon, the input, range and list questions, the help
+// button and dragging by the free surface.
+#include "kvr/mybox.h"
+#include "ui_mybox.h"
+
+#include "kvr/campos.h"
+#include "kvr/comunes.h"
+#include "kvr/error.h"
+#include "kvr/layout.h"
+#include "kvr/minihelp.h"
+#include "kvr/servicios.h"
+#include "kvr/utilidades.h"
+#include "kvr/valores.h"
+
+#include <QApplication>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPointer>
+#include <QScreen>
+#include <QWindow>
+
+namespace kvr {
+
+namespace {
+
+// The pictures of NIconos, in the order of IconoCaja.
+const char16_t *const kIconos[NumeroIconos] = {
+    u":/kvr/mybox/iconos/01_informacion.png", u":/kvr/mybox/iconos/02_pregunta.png",
+    u":/kvr/mybox/iconos/03_advertencia.png", u":/kvr/mybox/iconos/04_error.png",
+    u":/kvr/mybox/iconos/05_impresora.png",   u":/kvr/mybox/iconos/06_grabar.png",
+    u":/kvr/mybox/iconos/07_borrar.png",      u":/kvr/mybox/iconos/08_espera.png",
+    u":/kvr/mybox/iconos/09_clave.png",       u":/kvr/mybox/iconos/10_buscar.png",
+};
+
+// The range box keeps its own fields out of UltimoCampo: one filter raises NoRecordarCampo
+// before the field routines handle the leaving of the field, the other puts back what it was
+// after them (filters run from the last installed to the first).
+class AlrededorDeSalida : public QObject {
+public:
+    AlrededorDeSalida(QObject *padre, bool *guardado, bool apertura)
+        : QObject(padre), m_guardado(guardado), m_apertura(apertura)
+    {
+    }
+
+protected:
+    bool eventFilter(QObject *, QEvent *evento) override
+    {
+        if (evento->type() == QEvent::FocusOut) {
+            if (m_apertura) {
+                *m_guardado = NoRecordarCampo;
+                NoRecordarCampo = true;
+            } else {
+                NoRecordarCampo = *m_guardado;
+            }
+        }
+        return false;
+    }
+
+private:
+    bool *m_guardado;
+    bool m_apertura;
+};
+
+// The box is owned by the window it is shown over, or by the active window.
+QWidget *padreDe(QWidget *Formulario)
+{
+    if (Formulario)
+        return Formulario->window();
+    return QApplication::activeWindow();
+}
+
+// Shows the box modally; false when it was destroyed meanwhile (its owner went away).
+bool mostrarModal(MyBox *caja)
+{
+    QPointer<MyBox> vigia(caja);
+    caja->exec();
+    return !vigia.isNull();
+}
+
+// A rectangle in pixels as twips.
+QRectF enTwips(const QRect &r)
+{
+    const double tx = TwipsPorPixelX(), ty = TwipsPorPixelY();
+    return QRectF(r.x() * tx, r.y() * ty, r.width() * tx, r.height() * ty);
+}
+
+} // namespace
+
+MyBox::MyBox(QWidget *parent)
+    : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint)
+    , ui(std::make_unique<Ui::MyBox>())
+{
+    ui->setupUi(this);
+    setObjectName(QStringLiteral("MyBox"));
+    setModal(true);
+
+    // The design names the answer buttons "Boton(i)"; the form compiler turns that into
+    // "Boton_i_", so the control array's names are put back here.
+    for (int i = 0; i < 3; ++i) {
+        m_botones[i] = findChild<QPushButton *>(QStringLiteral("Boton_%1_").arg(i));
+        Q_ASSERT(m_botones[i]);
+        m_botones[i]->setObjectName(QStringLiteral("Boton(%1)").arg(i));
+        // The buttons stay down when pressed; their handler lets them spring back.
+        connect(m_botones[i], &QPushButton::toggled, this, [this, i] {
+            ejecutar([&] { Boton_Click(i); });
+        });
+        m_botones[i]->installEventFilter(this);
+    }
+    connect(ui->Ayuda, &QPushButton::clicked, this, [this] { Ayuda_Click(); });
+
+    // Tab order of the design: the question's controls, then the buttons left to right.
+    m_ordenTab = {ui->CampoTexto, ui->CampoHasta, ui->cbxTabla, ui->VisorMini,
+                  m_botones[2], m_botones[1], m_botones[0], ui->Ayuda};
+
+    Form_Load();
+}
+
+MyBox::~MyBox() = default;
+
+QPixmap MyBox::NIconos(int ElIcono)
+{
+    if (ElIcono < 1 || ElIcono > NumeroIconos)
+        throw ErrorEjecucion(ErrorEjecucion::SubindiceFueraDeIntervalo,
+                             QStringLiteral("Índice fuera de los límites (icono %1)").arg(ElIcono));
+    return QPixmap(QString::fromUtf16(kIconos[ElIcono - 1]));
+}
+
+template <typename F>
+void MyBox::ejecutar(F &&accion)
+{
+    try {
+        accion();
+    } catch (const ErrorEjecucion &e) {
+        // The box cannot ask itself: the error goes to the desktop's message box, and the box
+        // stays open as it was.
+        Servicios &s = ServiciosActuales();
+        s.Mensaje(e.descripcion(), Critico, s.TituloAplicacion());
+    }
+}
+
+void MyBox::Form_Load()
+{
+    ui->Ayuda->hide();
+    float ancho = 0, alto = 0;
+    PonerFuente(this);
+    Redimensionar(this, ancho, alto, true);
+}
+
+void MyBox::PonerMensaje(const QString &ElMensaje)
+{
+    ui->Mensaje->setText(TextoMensaje(ElMensaje));
+}
+
+void MyBox::PonerTitulo(const QString &ElTitulo)
+{
+    setWindowTitle(ElTitulo);
+    ui->etiTitulo->setText(ElTitulo);
+}
+
+void MyBox::PonerIcono(int ElIcono)
+{
+    ui->Imagen->setPixmap(NIconos(ElIcono));
+}
+
+void MyBox::DisponerBotones(int LosBotones, int BotonOmision, float &Top, float &Left,
+                            QWidget *Formulario)
+{
+    if (const std::optional<JuegoBotones> juego = JuegoDeBotones(LosBotones, BotonOmision)) {
+        for (int i = 0; i < 3; ++i) {
+            const QString &titulo = juego->titulos[size_t(i)];
+            m_botones[i]->setText(titulo);
+            m_botones[i]->setVisible(!titulo.isEmpty());
+        }
+        PonerIndiceTab(m_botones[juego->foco], 0);
+    }
+
+    const QScreen *pantalla = QGuiApplication::primaryScreen();
+    const QRect areaPantalla = pantalla ? pantalla->geometry() : QRect();
+    std::optional<QRectF> sobre;
+    if (Formulario) {
+        const QRect g = Formulario->isWindow()
+            ? Formulario->frameGeometry()
+            : QRect(Formulario->mapToGlobal(QPoint(0, 0)), Formulario->size());
+        sobre = enTwips(g);
+    }
+    const QRectF caja = enTwips(frameGeometry());
+    PosicionCaja(Top, Left, caja.size(), enTwips(areaPantalla), sobre);
+    move(qRound(Left / TwipsPorPixelX()), qRound(Top / TwipsPorPixelY()));
+}
+
+void MyBox::PrepararPregunta(const QString &TagDelCampo, const QString &DatoInicial)
+{
+    QLineEdit *desde = ui->CampoTexto;
+    QLineEdit *hasta = ui->CampoHasta;
+    switch (TipoDePregunta(TagDelCampo)) {
+    case TipoPregunta::Valor:
+        desde->show();
+        PonerTagDe(desde, TagDelCampo);
+        desde->setText(DatoInicial);
+        PonerIndiceTab(desde, 0);
+        PrepararCampo(desde);
+        break;
+    case TipoPregunta::Rango: {
+        desde->resize(hasta->width(), desde->height());
+        PonerTagDe(desde, TagDelCampo);
+        PonerTagDe(hasta, TagDelCampo);
+        PonerIndiceTab(desde, 0);
+        PonerIndiceTab(hasta, 1);
+        if (const auto partes = PartirRango(DatoInicial)) {
+            desde->setText(FormatearCampo(partes->first, TagDe(desde)));
+            hasta->setText(FormatearCampo(partes->second, TagDe(hasta)));
+        }
+        hasta->move(hasta->x(), desde->y());
+        ui->etiDesde->show();
+        ui->etiHasta->show();
+        desde->show();
+        hasta->show();
+        // The leaving of either field is handled by the field routines with NoRecordarCampo
+        // raised around it, so the range box's fields never become UltimoCampo.
+        for (QLineEdit *campo : {desde, hasta}) {
+            campo->installEventFilter(new AlrededorDeSalida(campo, &m_noRecordarAntes, false));
+            PrepararCampo(campo);
+            campo->installEventFilter(new AlrededorDeSalida(campo, &m_noRecordarAntes, true));
+        }
+        break;
+    }
+    case TipoPregunta::Lista:
+        LlenarCombo(DatoInicial, ui->cbxTabla);
+        ui->cbxTabla->setGeometry(desde->x(), desde->y(), desde->width(), ui->cbxTabla->height());
+        ui->cbxTabla->show();
+        PonerIndiceTab(ui->cbxTabla, 0);
+        break;
+    }
+}
+
+void MyBox::PonerAyuda(const QString &FicheroAyuda)
+{
+    if (FicheroAyuda.isEmpty())
+        return;
+    if (Existe(FicheroAyuda)) {
+        ui->Ayuda->show();
+        PonerTagDe(ui->Ayuda, FicheroAyuda);
+    }
+}
+
+bool MyBox::DesdeHastaOk()
+{
+    return RangoEnOrden(ui->CampoTexto->text(), ui->CampoHasta->text(), TagDe(ui->CampoTexto));
+}
+
+void MyBox::PonerIndiceTab(QWidget *control, int indice)
+{
+    if (!control)
+        return;
+    m_ordenTab.removeAll(control);
+    m_ordenTab.insert(qBound(0, indice, int(m_ordenTab.size())), control);
+}
+
+void MyBox::aplicarOrdenTab()
+{
+    for (int i = 0; i + 1 < m_ordenTab.size(); ++i)
+        QWidget::setTabOrder(m_ordenTab.at(i), m_ordenTab.at(i + 1));
+    for (QWidget *w : std::as_const(m_ordenTab)) {
+        if (w->isVisibleTo(this) && w->isEnabled() && (w->focusPolicy() & Qt::TabFocus)) {
+            w->setFocus(Qt::OtherFocusReason);
+            break;
+        }
+    }
+}
+
+void MyBox::showEvent(QShowEvent *evento)
+{
+    aplicarOrdenTab();
+    QDialog::showEvent(evento);
+}
+
+void MyBox::Boton_Click(int Index)
+{
+    if (m_guardaClic || m_descargada)
+        return;
+    QPushButton *boton = m_botones[Index];
+    m_guardaClic = true;
+    if (boton->isChecked())
+        boton->setChecked(false);
+    m_guardaClic = false;
+
+    if (const std::optional<int> codigo = CodigoDeBoton(boton->text()))
+        m_codigo = float(*codigo);
+    if (!TagDe(ui->CampoTexto).isEmpty())
+        m_texto = ui->CampoTexto->text();
+    m_texto2.clear();
+    if (ui->CampoHasta->isVisibleTo(this)) {
+        // "Aceptar" is refused while the range is out of order; the box stays as it is.
+        if (!DesdeHastaOk() && m_codigo == float(CajaAceptar))
+            return;
+        m_texto2 = ui->CampoHasta->text();
+    }
+    if (ui->cbxTabla->isVisibleTo(this))
+        m_texto = ui->cbxTabla->currentText();
+
+    ui->Ayuda->hide();
+    m_descargada = true;
+    done(QDialog::Accepted);
+    QCoreApplication::processEvents();
+}
+
+void MyBox::Boton_KeyPress(int Index, int &KeyAscii)
+{
+    if (KeyAscii == 13) {
+        KeyAscii = 0;
+        Boton_Click(Index);
+    }
+}
+
+void MyBox::Ayuda_Click()
+{
+    ejecutar([&] {
+        MiniHelp ayuda(this);
+        ayuda.CargarAyuda(TagDe(ui->Ayuda));
+        ayuda.exec();
+    });
+    DevolverFoco(UltimoCampo);
+}
+
+void MyBox::reject()
+{
+    if (!m_descargada) {
+        // A code left by an "Aceptar" that the range refused does not count: no button closed
+        // the box.
+        m_codigo = CajaSinBoton;
+        m_texto.clear();
+        m_texto2.clear();
+    }
+    QDialog::reject();
+}
+
+void MyBox::Form_MouseDown(const QPoint &global)
+{
+    // The window system moves the window when it can; otherwise the box follows the mouse
+    // until the button is released.
+    if (QWindow *ventana = windowHandle(); ventana && ventana->startSystemMove())
+        return;
+    m_arrastrando = true;
+    m_desplazamiento = global - pos();
+}
+
+void MyBox::mousePressEvent(QMouseEvent *evento)
+{
+    // Presses on the background, the caption strip, the labels and the frame come here.
+    if (evento->button() != Qt::LeftButton) {
+        QDialog::mousePressEvent(evento);
+        return;
+    }
+    evento->accept();
+    Form_MouseDown(evento->globalPosition().toPoint());
+}
+
+void MyBox::mouseMoveEvent(QMouseEvent *evento)
+{
+    if (m_arrastrando && (evento->buttons() & Qt::LeftButton)) {
+        move(evento->globalPosition().toPoint() - m_desplazamiento);
+        evento->accept();
+        return;
+    }
+    QDialog::mouseMoveEvent(evento);
+}
+
+void MyBox::mouseReleaseEvent(QMouseEvent *evento)
+{
+    m_arrastrando = false;
+    QDialog::mouseReleaseEvent(evento);
+}
+
+bool MyBox::eventFilter(QObject *objeto, QEvent *evento)
+{
+    if (evento->type() == QEvent::KeyPress) {
+        const auto *k = static_cast<QKeyEvent *>(evento);
+        if (k->key() == Qt::Key_Return || k->key() == Qt::Key_Enter) {
+            for (int i = 0; i < 3; ++i) {
+                if (objeto == m_botones[i]) {
+                    int codigo = 13;
+                    ejecutar([&] { Boton_KeyPress(i, codigo); });
+                    return true;
+                }
+            }
+        }
+    }
+    return QDialog::eventFilter(objeto, evento);
+}
+
+float MyMsgBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono, int LosBotones,
+               int BotonOmision, float Top, float Left, QWidget *Formulario)
+{
+    auto caja = std::make_unique<MyBox>(padreDe(Formulario));
+    caja->PonerMensaje(ElMensaje);
+    caja->PonerTitulo(ElTitulo);
+    caja->PonerIcono(ElIcono);
+    caja->DisponerBotones(LosBotones, BotonOmision, Top, Left, Formulario);
+    if (!mostrarModal(caja.get())) {
+        (void)caja.release(); // already destroyed with its owner
+        return CajaSinBoton;
+    }
+    return caja->Resultado();
+}
+
+QString MyInputBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono,
+                   const QString &TagDelCampo, const QString &DatoInicial, float Top, float Left,
+                   QWidget *Formulario, const QString &FicheroAyuda)
+{
+    auto caja = std::make_unique<MyBox>(padreDe(Formulario));
+    caja->PonerMensaje(ElMensaje);
+    caja->PonerTitulo(ElTitulo);
+    caja->PonerIcono(ElIcono);
+    caja->PonerAyuda(FicheroAyuda);
+    // "Aceptar" and "Cancelar", "Aceptar" first; the question's control comes before both.
+    caja->DisponerBotones(2, 1, Top, Left, Formulario);
+    caja->PrepararPregunta(TagDelCampo, DatoInicial);
+    if (!mostrarModal(caja.get())) {
+        (void)caja.release();
+        return QString();
+    }
+    if (caja->Resultado() != float(CajaAceptar))
+        return QString();
+    switch (TipoDePregunta(TagDelCampo)) {
+    case TipoPregunta::Lista:
+        return caja->TextoResultado();
+    case TipoPregunta::Rango:
+        return UnirRango(TextoEdicion(caja->TextoResultado(), TagDelCampo),
+                         TextoEdicion(caja->TextoHasta(), TagDelCampo));
+    case TipoPregunta::Valor:
+        break;
+    }
+    return TextoEdicion(caja->TextoResultado(), TagDelCampo);
+}
+
+} // namespace kvr
