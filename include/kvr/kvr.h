@@ -20,3 +20,5 @@
 #include <kvr/rejilla.h>
 #include <kvr/mivisor.h>
 #include <kvr/visorrejilla.h>
+#include <kvr/cajas.h>
+#include <kvr/mybox.h>
