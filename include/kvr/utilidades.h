@@ -39,8 +39,9 @@ void RegistrarVentana(const QString &nombre, std::function<QWidget *()> fabrica)
 // first in QApplication::topLevelWidgets()) is shown and brought forward; otherwise its
 // registered factory makes one, which takes the name and is shown. A name without window nor
 // factory does nothing.
-// Returns the window shown, or nullptr.
-QWidget *MostrarVentana(const QString &nombre);
+void MostrarVentana(const QString &nombre);
+// MostrarVentana that also returns the window shown, or nullptr when there is none of that name.
+QWidget *AbrirVentana(const QString &nombre);
 
 // Index, from 0, of the default printer among the available printers; 0 when none matches.
 int IndiceImpresora();

@@ -196,7 +196,12 @@ void RegistrarVentana(const QString &nombre, std::function<QWidget *()> fabrica)
         fabricas().remove(nombre);
 }
 
-QWidget *MostrarVentana(const QString &nombre)
+void MostrarVentana(const QString &nombre)
+{
+    AbrirVentana(nombre);
+}
+
+QWidget *AbrirVentana(const QString &nombre)
 {
     if (nombre.isEmpty())
         return nullptr;

@@ -114,7 +114,7 @@ private Q_SLOTS:
 
     void mostrarUnaSolaVez()
     {
-        QWidget *w = MostrarVentana(QStringLiteral("VentanaPrueba"));
+        QWidget *w = AbrirVentana(QStringLiteral("VentanaPrueba"));
         QVERIFY(w);
         QVERIFY(w->isVisible());
         QCOMPARE(g_creadas.value(QStringLiteral("VentanaPrueba")), 1);
@@ -126,12 +126,12 @@ private Q_SLOTS:
         w->hide();
 
         // The second time the window already loaded is shown and brought forward.
-        QCOMPARE(MostrarVentana(QStringLiteral("VentanaPrueba")), w);
+        QCOMPARE(AbrirVentana(QStringLiteral("VentanaPrueba")), w);
         QVERIFY(QTest::qWaitForWindowActive(w));
         QVERIFY(w->isVisible());
         QCOMPARE(g_creadas.value(QStringLiteral("VentanaPrueba")), 1);
         // A name nobody registered opens nothing.
-        QCOMPARE(MostrarVentana(QStringLiteral("NoExiste")), nullptr);
+        QCOMPARE(AbrirVentana(QStringLiteral("NoExiste")), nullptr);
     }
 
     void teclasGlobales_data()
