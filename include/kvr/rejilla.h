@@ -193,7 +193,7 @@ private:
     void liberarRanura(uint32_t r);
     void ajustarActual();
     void ordenarClaves(const std::vector<char> &claves, const std::vector<uint32_t> &inicios,
-                       bool descendente);
+                       bool descendente, const std::vector<uint32_t> *posiciones = nullptr);
 
     // Announcing changes (nothing while Redraw is false, only a pending reset).
     bool avisar();

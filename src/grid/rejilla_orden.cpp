@@ -199,7 +199,8 @@ enum : unsigned char { ClaseVacia = 2, ClaseNumero = 3, ClaseTexto = 4 };
 struct Elemento {
     uint64_t prefijo;
     uint64_t prefijo2;
-    uint32_t indice;
+    uint32_t indice; // position among the rows sorted
+    uint32_t clave;  // its key in the key buffer
 };
 
 constexpr std::size_t Prefijo = 16;
@@ -226,9 +227,18 @@ void Rejilla::Sort(int modo)
         estimado += m_columnas[std::size_t(c)].bytes.size() - m_columnas[std::size_t(c)].basura;
     claves.reserve(estimado + std::size_t(n) * std::size_t(c1 - c0 + 1) * 2);
 
-    for (int i = 0; i < n; ++i) {
+    // Keys are built in the order of the row slots, which is the order of the cell texts in the
+    // column buffers, so the texts are read front to back rather than all over memory.
+    std::vector<uint32_t> posicionDe(m_ranuras, UINT32_MAX);
+    for (int i = 0; i < n; ++i)
+        posicionDe[ranura(f0 + i)] = uint32_t(i);
+    std::vector<uint32_t> posicionDeClave;
+    posicionDeClave.reserve(std::size_t(n));
+    for (uint32_t r = 0; r < m_ranuras; ++r) {
+        if (posicionDe[r] == UINT32_MAX)
+            continue;
+        posicionDeClave.push_back(posicionDe[r]);
         inicios.push_back(uint32_t(claves.size()));
-        const uint32_t r = ranura(f0 + i);
         for (int c = c0; c <= c1; ++c) {
             const Columna &col = m_columnas[std::size_t(c)];
             const uint64_t ref = col.refs[r];
@@ -262,7 +272,7 @@ void Rejilla::Sort(int modo)
         }
     }
     inicios.push_back(uint32_t(claves.size()));
-    ordenarClaves(claves, inicios, descendente);
+    ordenarClaves(claves, inicios, descendente, &posicionDeClave);
 }
 
 void Rejilla::OrdenarPorValores(const std::vector<std::optional<double>> &valores, bool descendente,
@@ -300,7 +310,7 @@ void Rejilla::OrdenarPorValores(const std::vector<std::optional<double>> &valore
 }
 
 void Rejilla::ordenarClaves(const std::vector<char> &claves, const std::vector<uint32_t> &inicios,
-                            bool descendente)
+                            bool descendente, const std::vector<uint32_t> *posiciones)
 {
     // Sorted 16 key bytes at a time: the rows are sorted by their first 16 bytes (held in the
     // elements, so comparing touches no other memory); each run of rows equal so far whose keys
@@ -310,8 +320,8 @@ void Rejilla::ordenarClaves(const std::vector<char> &claves, const std::vector<u
     const unsigned char *base = reinterpret_cast<const unsigned char *>(claves.data());
     std::vector<Elemento> elementos(n);
     const auto cargar = [&](Elemento &e, std::size_t desde) {
-        const unsigned char *k = base + inicios[e.indice];
-        const std::size_t largo = inicios[e.indice + 1] - inicios[e.indice];
+        const unsigned char *k = base + inicios[e.clave];
+        const std::size_t largo = inicios[e.clave + 1] - inicios[e.clave];
         uint64_t p1 = 0, p2 = 0;
         for (std::size_t b = desde; b < desde + 8; ++b)
             p1 = p1 << 8 | (b < largo ? k[b] : 0);
@@ -321,7 +331,9 @@ void Rejilla::ordenarClaves(const std::vector<char> &claves, const std::vector<u
         e.prefijo2 = p2;
     };
     for (std::size_t i = 0; i < n; ++i) {
-        elementos[i].indice = uint32_t(i);
+        // Elements start in key order, so the first load reads the keys front to back.
+        elementos[i].indice = posiciones ? (*posiciones)[i] : uint32_t(i);
+        elementos[i].clave = uint32_t(i);
         cargar(elementos[i], 0);
     }
     const auto ordenar = [&](Elemento *desde, Elemento *hasta) {
@@ -355,7 +367,7 @@ void Rejilla::ordenarClaves(const std::vector<char> &claves, const std::vector<u
                    && elementos[j].prefijo2 == elementos[i].prefijo2)
                 ++j;
             // Keys of a run are equal so far; if one goes on, all do (keys are prefix-free).
-            const uint32_t r = elementos[i].indice;
+            const uint32_t r = elementos[i].clave;
             const std::size_t hecho = t.hecho + Prefijo;
             if (j - i > 1 && inicios[r + 1] - inicios[r] > hecho) {
                 for (std::size_t k = i; k < j; ++k)

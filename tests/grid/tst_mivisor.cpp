@@ -217,7 +217,7 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("celdas");
         QTest::addColumn<QString>("esperado");
         const QStringList nombres{u"bea"_qs, u"Ana"_qs, u"ana"_qs, u"Álvaro"_qs, u"Carlos"_qs};
-        for (const QString loc : {u"es_ES"_qs, u"C"_qs}) {
+        for (const QString &loc : {u"es_ES"_qs, u"C"_qs}) {
             const QByteArray l = loc.toLatin1();
             QTest::newRow(l + " texto sin mayúsculas") << loc << u"  "_qs << nombres
                                                        << u"Álvaro|Ana|ana|bea|Carlos"_qs;
