@@ -418,6 +418,20 @@ private Q_SLOTS:
         QVERIFY(grabados.mensajes.isEmpty());
     }
 
+    // Escape after a refused "Aceptar" is still closing without a button: nothing comes back.
+    void rangoRechazadoYEscape()
+    {
+        bool abierta = false;
+        alAbrirse([&](QWidget *caja) {
+            pulsar(boton(caja, 1));
+            abierta = caja->isVisible();
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        });
+        const QString r = MyInputBox(QStringLiteral("x"), QString(), 1, QStringLiteral("T(m) L(5) A(I) (/)"), rango("b", "a"));
+        QVERIFY(abierta);
+        QCOMPARE(r, QString());
+    }
+
     // The range box's fields never become the last field left; a single value's field does.
     void ultimoCampo()
     {
