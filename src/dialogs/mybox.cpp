@@ -320,7 +320,13 @@ void MyBox::Ayuda_Click()
         ayuda.CargarAyuda(TagDe(ui->Ayuda));
         ayuda.exec();
     });
-    DevolverFoco(UltimoCampo);
+    // The box is modal: a field of another window cannot take the focus while it is open (the
+    // range box's fields are never remembered, so UltimoCampo may be the caller's field); the
+    // box itself takes it back then.
+    if (UltimoCampo && UltimoCampo->window() == this)
+        DevolverFoco(UltimoCampo);
+    else
+        activateWindow();
 }
 
 void MyBox::reject()

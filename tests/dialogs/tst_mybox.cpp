@@ -2,6 +2,7 @@
 // the callback sees is recorded and checked after the call has returned.
 #include <kvr/campos.h>
 #include <kvr/error.h>
+#include <kvr/escala.h>
 #include <kvr/mybox.h>
 #include <kvr/valores.h>
 
@@ -254,6 +255,23 @@ private Q_SLOTS:
         MyMsgBox(QStringLiteral("x"), QString(), 1, 1, 1, top, left, sobreVentana ? &anfitrion : nullptr);
         QCOMPARE(vista.size(), QSize(496, 140));
         QCOMPARE(vista.topLeft(), esperada);
+    }
+
+    // The box is laid out by the proportional layout like every window.
+    void escalada()
+    {
+        FactorX = FactorY = 1.25f;
+        QSize tamano;
+        QRect cero;
+        alAbrirse([&](QWidget *caja) {
+            tamano = caja->size();
+            cero = boton(caja, 0)->geometry();
+            pulsar(boton(caja, 0));
+        });
+        MyMsgBox(QStringLiteral("x"), QString(), 1, 1, 1);
+        FactorX = FactorY = 0;
+        QCOMPARE(tamano, QSize(620, 175));
+        QCOMPARE(cero, QRect(490, 130, 111, 31));
     }
 
     // The box follows the mouse dragged by its caption strip or its free surface.
@@ -521,6 +539,22 @@ private Q_SLOTS:
         QCOMPARE(clase, QStringLiteral("kvr::MiniHelp"));
         QVERIFY(ayudaModal);
         QCOMPARE(foco, QStringLiteral("CampoTexto"));
+
+        // In the range box the field left last is the caller's, in a window the box blocks:
+        // the focus stays in the box.
+        QLineEdit anfitrion;
+        anfitrion.show();
+        UltimoCampo = &anfitrion;
+        QWidget *ventanaDelFoco = nullptr, *laCaja = nullptr;
+        alAbrirse([&](QWidget *caja) {
+            laCaja = caja;
+            QTimer::singleShot(0, qApp, [] { QApplication::activeModalWidget()->close(); });
+            pulsar(control(caja, "Ayuda"));
+            ventanaDelFoco = QApplication::focusWidget() ? QApplication::focusWidget()->window() : nullptr;
+            pulsar(boton(caja, 0));
+        });
+        MyInputBox(QStringLiteral("x"), QString(), 1, QStringLiteral("T(m) L(9) A(I) (/)"), {}, -1, -1, nullptr, fichero);
+        QVERIFY(ventanaDelFoco && ventanaDelFoco == laCaja);
 
         alAbrirse([&](QWidget *caja) {
             visible = control(caja, "Ayuda")->isVisible();
