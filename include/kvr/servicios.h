@@ -1,7 +1,8 @@
 #pragma once
 // The small seam through which the runtime reaches the operating system: the message box, the
-// application's title and the clock. A default is always in place (the widget library installs
-// one built on Qt's message box); a test or a host can put in its own with PonerServicios.
+// input box, the application's title and the clock. A default is always in place (the widget
+// library installs one built on Qt's dialogs); a test or a host can put in its own with
+// PonerServicios.
 #include <QDate>
 #include <QDateTime>
 #include <QString>
@@ -26,6 +27,13 @@ public:
 
     // Shows a message box (text, button set plus icon, title) and returns the button pressed.
     virtual int Mensaje(const QString &texto, int botones, const QString &titulo);
+    // Asks the user for a line of text (the desktop's input box): `pregunta` above the field,
+    // `titulo` as caption, `porOmision` already typed; its top-left corner at xTwips, yTwips on
+    // the screen (-1 centres it). Returns the text typed, with *aceptado true, or an empty text
+    // with *aceptado false when the user cancelled. Without a window system nobody answers: the
+    // default returns an empty text, not accepted.
+    virtual QString Entrada(const QString &pregunta, const QString &titulo,
+                            const QString &porOmision, int xTwips, int yTwips, bool *aceptado);
     // The application's own title (the name a message box shows when none is given).
     virtual QString TituloAplicacion();
     virtual QDate Hoy();

@@ -28,6 +28,19 @@ int Servicios::Mensaje(const QString &texto, int botones, const QString &titulo)
     }
 }
 
+QString Servicios::Entrada(const QString &pregunta, const QString &titulo,
+                           const QString &porOmision, int xTwips, int yTwips, bool *aceptado)
+{
+    Q_UNUSED(pregunta);
+    Q_UNUSED(titulo);
+    Q_UNUSED(porOmision);
+    Q_UNUSED(xTwips);
+    Q_UNUSED(yTwips);
+    if (aceptado)
+        *aceptado = false;
+    return QString();
+}
+
 QString Servicios::TituloAplicacion()
 {
     QString t = QCoreApplication::applicationName();

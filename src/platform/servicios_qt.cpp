@@ -3,8 +3,10 @@
 #include "kvr/servicios.h"
 
 #include <QApplication>
+#include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 
 namespace kvr {
 
@@ -67,6 +69,36 @@ public:
                 return r.second;
         // Closed without a button: the cancel-like answer of the set.
         return (botones & 7) == SiNo ? RespNo : (botones & 7) == 0 ? RespAceptar : RespCancelar;
+    }
+
+    QString Entrada(const QString &pregunta, const QString &titulo, const QString &porOmision,
+                    int xTwips, int yTwips, bool *aceptado) override
+    {
+        if (!qobject_cast<QApplication *>(QCoreApplication::instance()))
+            return Servicios::Entrada(pregunta, titulo, porOmision, xTwips, yTwips, aceptado);
+        QInputDialog caja(QApplication::activeWindow());
+        caja.setWindowTitle(titulo.isEmpty() ? TituloAplicacion() : titulo);
+        caja.setLabelText(pregunta);
+        caja.setTextValue(porOmision);
+        caja.setOkButtonText(QStringLiteral("Aceptar"));
+        caja.setCancelButtonText(QStringLiteral("Cancelar"));
+        if (xTwips >= 0 || yTwips >= 0) {
+            // Twips to pixels at the screen's logical dpi; a direction left at -1 stays centred.
+            caja.adjustSize();
+            const QScreen *pantalla = QGuiApplication::primaryScreen();
+            const QRect area = pantalla ? pantalla->availableGeometry() : QRect();
+            const double dpiX = pantalla ? pantalla->logicalDotsPerInchX() : 96.0;
+            const double dpiY = pantalla ? pantalla->logicalDotsPerInchY() : 96.0;
+            const int x = xTwips >= 0 ? int(xTwips * dpiX / 1440.0)
+                                      : area.x() + (area.width() - caja.width()) / 2;
+            const int y = yTwips >= 0 ? int(yTwips * dpiY / 1440.0)
+                                      : area.y() + (area.height() - caja.height()) / 2;
+            caja.move(x, y);
+        }
+        const bool si = caja.exec() == QDialog::Accepted;
+        if (aceptado)
+            *aceptado = si;
+        return si ? caja.textValue() : QString();
     }
 };
 
