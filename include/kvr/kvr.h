@@ -22,3 +22,5 @@
 #include <kvr/visorrejilla.h>
 #include <kvr/cajas.h>
 #include <kvr/mybox.h>
+#include <kvr/tablas.h>
+#include <kvr/frmtablas.h>

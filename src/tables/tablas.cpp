@@ -1,0 +1,127 @@
+#include "kvr/tablas.h"
+
+#include "kvr/error.h"
+#include "kvr/mivisor.h"
+#include "kvr/servicios.h"
+#include "kvr/comunes.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+
+#include <algorithm>
+
+namespace kvr {
+
+namespace {
+
+QString conRuta(int numero, const QString &ruta)
+{
+    return QStringLiteral("%1: %2").arg(ErrorEjecucion::DescripcionDe(numero), ruta);
+}
+
+[[noreturn]] void errorDeApertura(const QString &ruta)
+{
+    // A folder that does not exist gets its own number; anything else (a folder in the way, no
+    // permission) is an access error.
+    const QFileInfo info(ruta);
+    if (!info.absoluteDir().exists())
+        throw ErrorEjecucion(ErrorRutaNoEncontrada,
+                             QStringLiteral("No se ha encontrado la ruta de acceso: %1").arg(ruta));
+    throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado, conRuta(ErrorEjecucion::AccesoDenegado, ruta));
+}
+
+void cargar(const QString &ruta, Rejilla &grid)
+{
+    LimpiarVisor(grid);
+    // The table's own column is blanked too when the grid shows it as a fixed column, so that
+    // no element of an earlier table is left below the new ones.
+    if (grid.FixedCols() > 0 && grid.Cols() > 0)
+        for (int fila = grid.FixedRows(); fila < grid.Rows(); ++fila)
+            grid.PonerTextMatrix(fila, 0, QString());
+    if (!Existe(ruta, false))
+        return;
+    // Throws the access error for a path that exists but cannot be read.
+    const QStringList lineas = LeerLineas(ruta);
+    // Grow once for the whole file rather than a row at a time: the same grid in the end.
+    if (lineas.size() + 1 > grid.Rows())
+        grid.PonerRows(int(lineas.size()) + 1);
+    for (qsizetype i = 0; i < lineas.size(); ++i)
+        PonerCelda(grid, int(i) + 1, 0, lineas[i]);
+}
+
+void grabar(const QString &ruta, const Rejilla &grid)
+{
+    const QByteArray datos = TextoTabla(ElementosTabla(grid));
+    if (QFileInfo(ruta).isDir())
+        throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado, conRuta(ErrorEjecucion::AccesoDenegado, ruta));
+    QSaveFile fichero(ruta);
+    // Unbuffered, so that a write cut short (a full disk, a size limit) is seen here: through
+    // Qt's buffer such a write counts as complete and the shortened file would be committed.
+    if (!fichero.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        errorDeApertura(ruta);
+    if (fichero.write(datos) != datos.size() || !fichero.commit()) {
+        // The temporary file goes away with `fichero`; the old file was never touched.
+        fichero.cancelWriting();
+        throw ErrorEjecucion(ErrorEjecucion::ErrorEntradaSalida,
+                             conRuta(ErrorEjecucion::ErrorEntradaSalida, ruta));
+    }
+}
+
+} // namespace
+
+QStringList ElementosTabla(const Rejilla &Grid)
+{
+    QStringList elementos;
+    for (int fila = 1; fila < Grid.Rows(); ++fila)
+        elementos.append(LeerCelda(Grid, fila, 0));
+    return elementos;
+}
+
+QByteArray TextoTabla(const QStringList &elementos)
+{
+    QByteArray datos;
+    for (const QString &e : elementos) {
+        // Only blanks make an element blank; any other character is the user's text.
+        if (std::all_of(e.begin(), e.end(), [](QChar c) { return c == u' '; }))
+            continue;
+        datos += e.toUtf8();
+        datos += "\r\n";
+    }
+    return datos;
+}
+
+void FicheroTabla(const QString &Operacion, QString &Fichero, Rejilla &Grid, int LeftTwips,
+                  int TopTwips)
+{
+    if (Fichero.isEmpty()) {
+        bool aceptado = false;
+        Fichero = ServiciosActuales().Entrada(QStringLiteral("Path y Nombre del fichero a ") + Operacion,
+                                              QStringLiteral("Editor de Tablas de PQD"), QString(),
+                                              LeftTwips, TopTwips, &aceptado);
+        if (!aceptado)
+            Fichero.clear();
+        if (Fichero.isEmpty())
+            return;
+    }
+
+    if (Operacion == OperacionCargar) {
+        cargar(Fichero, Grid);
+    } else if (Operacion == OperacionGrabar || Operacion == OperacionRegrabar) {
+        if (Operacion == OperacionGrabar && Existe(Fichero, false)) {
+            const int r = ServiciosActuales().Mensaje(
+                QStringLiteral("Fichero ") + Fichero + QStringLiteral(" existe en disco. Se Sobreescribirá."),
+                AceptarCancelar + Exclamacion, QString());
+            if (r == RespCancelar)
+                return;
+        }
+        grabar(Fichero, Grid);
+    }
+}
+
+void FicheroTabla(const QString &Operacion, QString &Fichero, Rejilla &Grid)
+{
+    FicheroTabla(Operacion, Fichero, Grid, -1, -1);
+}
+
+} // namespace kvr
