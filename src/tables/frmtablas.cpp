@@ -212,7 +212,9 @@ bool frmTablas::puedeSalir()
         return true;
     const float r = MyMsgBox(QStringLiteral("Datos han sido modificados.;;¿ Desea salir sin grabar ?"),
                              QString(), IconoAdvertencia, 2, 2, -1, -1, this);
-    return r != 2;
+    // "Aceptar" leaves without saving; "Cancelar" stays, and so does a box closed with Escape
+    // (no button, 0): backing out of the question must not throw the changes away.
+    return r == 1;
 }
 
 void frmTablas::cmdSalir_Click()

@@ -1,0 +1,466 @@
+// The table editor on screen, driven by real clicks and keys: choosing a row, editing it,
+// appending, saving (the file on disk checked after each save), leaving with and without
+// changes (the exit box answered from a queued callback), the file-name prompt and file errors.
+#include <kvr/cajas.h>
+#include <kvr/campos.h>
+#include <kvr/escala.h>
+#include <kvr/frmtablas.h>
+#include <kvr/mybox.h>
+#include <kvr/rejilla.h>
+#include <kvr/utilidades.h>
+#include <kvr/visorrejilla.h>
+
+#include "registro.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFrame>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QtTest>
+
+#include <functional>
+
+using namespace kvr;
+
+namespace {
+
+const QByteArray provincias("ALAVA\r\nALBACETE\r\nALICANTE\r\nALMERIA\r\n");
+
+// What the exit box showed, recorded inside the callback and checked afterwards.
+struct Caja {
+    bool vista = false;
+    QString mensaje;
+    QString titulo;
+    QString foco;
+    QStringList botones;
+    bool centrada = false;
+    bool icono = false;
+};
+
+// Answers the next modal box by clicking its button `nombre` (empty: Escape).
+void responder(Caja &caja, const QString &nombre, QWidget *sobre)
+{
+    QTimer::singleShot(0, qApp, [&caja, nombre, sobre] {
+        QWidget *m = QApplication::activeModalWidget();
+        if (!m || !QTest::qWaitForWindowActive(m))
+            return;
+        QPointer<QWidget> vigia(m);
+        QTimer::singleShot(5000, qApp, [vigia] {
+            if (vigia && vigia->isVisible())
+                vigia->close();
+        });
+        caja.vista = true;
+        caja.mensaje = m->findChild<QLabel *>(u"Mensaje"_qs)->text();
+        caja.titulo = m->windowTitle();
+        // The window system reports the box active a little before the application does.
+        QTest::qWaitFor([m] { return QApplication::activeWindow() == m; }, 1000);
+        caja.foco = QApplication::focusWidget() ? QApplication::focusWidget()->objectName() : QString();
+        for (int i = 2; i >= 0; --i) {
+            auto *b = m->findChild<QPushButton *>(u"Boton(%1)"_qs.arg(i));
+            if (b && b->isVisible())
+                caja.botones.append(b->text());
+        }
+        const QPoint d = m->frameGeometry().center() - sobre->frameGeometry().center();
+        caja.centrada = d.manhattanLength() <= 4;
+        const QImage dibujo = m->findChild<QLabel *>(u"Imagen"_qs)->pixmap().toImage();
+        caja.icono = dibujo.convertToFormat(QImage::Format_ARGB32)
+            == MyBox::NIconos(IconoAdvertencia).toImage().convertToFormat(QImage::Format_ARGB32);
+        if (nombre.isEmpty())
+            QTest::keyClick(m, Qt::Key_Escape);
+        else
+            QTest::mouseClick(m->findChild<QPushButton *>(nombre), Qt::LeftButton);
+    });
+}
+
+template <typename T = QWidget> T *control(QWidget *w, const QString &nombre)
+{
+    return w->findChild<T *>(nombre);
+}
+
+QString nombreDelFoco()
+{
+    QWidget *f = QApplication::focusWidget();
+    return f ? f->objectName() : QString();
+}
+
+QByteArray leer(const QString &ruta)
+{
+    QFile f(ruta);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<no se pudo leer>");
+}
+
+QStringList elementos(frmTablas *t)
+{
+    const Rejilla &g = t->VisorTabla()->rejilla();
+    QStringList r;
+    for (int f = 1; f < g.Rows(); ++f)
+        r.append(g.TextMatrix(f, 0));
+    return r;
+}
+
+void clicFila(frmTablas *t, int fila)
+{
+    VisorRejilla *v = t->VisorTabla();
+    const QModelIndex i = v->model()->index(v->modeloRejilla()->filaVista(fila), 0);
+    v->scrollTo(i);
+    QTest::mouseClick(v->viewport(), Qt::LeftButton, {}, v->visualRect(i).center());
+}
+
+void clic(frmTablas *t, const char *boton)
+{
+    QTest::mouseClick(control<QPushButton>(t, QLatin1String(boton)), Qt::LeftButton);
+}
+
+} // namespace
+
+class TstFrmTablas : public QObject {
+    Q_OBJECT
+    QTemporaryDir m_dir;
+    QString m_tabla;
+    QPointer<frmTablas> m_t;
+
+    // A table editor on the sample file, shown and active.
+    frmTablas *abrir(const QString &fichero, bool cargar = true, const QString &tag = u"T(M) L(15) A(I)"_qs)
+    {
+        m_t = new frmTablas;
+        m_t->Dimensionar(nullptr, fichero, u"Provincia#25"_qs, tag, cargar);
+        m_t->show();
+        if (!QTest::qWaitForWindowActive(m_t))
+            qWarning("la ventana no se activó");
+        return m_t;
+    }
+    QLineEdit *elemento() { return control<QLineEdit>(m_t, u"Elemento"_qs); }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        m_tabla = m_dir.filePath(u"provincias.txt"_qs);
+    }
+    void init()
+    {
+        FactorX = FactorY = 0.0f;
+        QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
+        QFile f(m_tabla);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(provincias);
+    }
+    void cleanup()
+    {
+        delete m_t; // a window that did not close by itself
+    }
+
+    void dimensionar_data()
+    {
+        QTest::addColumn<QString>("titulo");
+        QTest::addColumn<int>("anchoVisorTwips");
+        QTest::newRow("25 caracteres") << u"Provincia#25"_qs << 25 * 120 + 320;
+        QTest::newRow("40 caracteres") << u"Provincia#40"_qs << 40 * 120 + 320;
+        // Too narrow for the three buttons: the grid keeps them apart.
+        QTest::newRow("2 caracteres: ancho mínimo") << u"Sí#2"_qs << -1;
+    }
+    void dimensionar()
+    {
+        QFETCH(QString, titulo);
+        QFETCH(int, anchoVisorTwips);
+        QWidget anfitrion;
+        anfitrion.setGeometry(130, 90, 500, 400);
+        anfitrion.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&anfitrion));
+        m_t = new frmTablas;
+        const int alto = m_t->height();
+        m_t->Dimensionar(&anfitrion, m_tabla, titulo);
+        QCOMPARE(m_t->windowTitle(), u"Edición de Tablas"_qs);
+        QCOMPARE(TagDe(m_t), m_tabla);
+        QCOMPARE(elementos(m_t), (QStringList{u"ALAVA"_qs, u"ALBACETE"_qs, u"ALICANTE"_qs, u"ALMERIA"_qs}));
+        QVERIFY(!m_t->Modificado());
+        QCOMPARE(TagDe(elemento()), u"T(M) L(15) A(I)"_qs);
+        QCOMPARE(m_t->pos(), anfitrion.pos());
+        QCOMPARE(m_t->height(), alto);
+
+        VisorRejilla *v = m_t->VisorTabla();
+        auto *salir = control(m_t, u"cmdSalir"_qs);
+        auto *grabar = control(m_t, u"cmdGrabar"_qs);
+        auto *aceptar = control(m_t, u"cmdAceptar"_qs);
+        const auto px = [&](int twips) { return int(std::lround(twips * v->logicalDpiX() / 1440.0)); };
+        if (anchoVisorTwips > 0)
+            QCOMPARE(v->width(), px(anchoVisorTwips));
+        else
+            QVERIFY(aceptar->geometry().right() < grabar->x() && grabar->geometry().right() < salir->x());
+        QCOMPARE(m_t->width(), v->width() + px(300));
+        QCOMPARE(control(m_t, u"Marco"_qs)->width(), m_t->width() - px(160));
+        QCOMPARE(elemento()->width(), v->width());
+        QCOMPARE(salir->x(), v->width() - salir->width() + px(60));
+        QCOMPARE(grabar->x(), elemento()->x() + (elemento()->width() - grabar->width()) / 2);
+        // Every control stays inside the window.
+        for (const char *n : {"VisorTabla", "Elemento", "Marco", "cmdAceptar", "cmdGrabar", "cmdSalir"})
+            QVERIFY2(m_t->rect().contains(control(m_t, QLatin1String(n))->geometry()), n);
+    }
+
+    // Choosing row 3 puts it in the field without marking the table; the first key does.
+    void elegirEditarYGrabar()
+    {
+        abrir(m_tabla);
+        clicFila(m_t, 3);
+        QCOMPARE(elemento()->text(), u"ALICANTE"_qs);
+        QCOMPARE(m_t->FilaEditada(), 3);
+        QCOMPARE(nombreDelFoco(), u"Elemento"_qs);
+        QVERIFY(!m_t->Modificado());
+        QCOMPARE(elemento()->selectedText(), u"ALICANTE"_qs); // the field selects all on entry
+        QTest::keyClicks(elemento(), u"asturias"_qs);
+        QVERIFY(m_t->Modificado());
+        QCOMPARE(elemento()->text(), u"ASTURIAS"_qs); // T(M): upper case
+
+        clic(m_t, "cmdAceptar");
+        QCOMPARE(elementos(m_t), (QStringList{u"ALAVA"_qs, u"ALBACETE"_qs, u"ASTURIAS"_qs, u"ALMERIA"_qs}));
+        QCOMPARE(elemento()->text(), QString());
+        QCOMPARE(m_t->FilaEditada(), 0);
+        QCOMPARE(nombreDelFoco(), u"Elemento"_qs);
+        // Again with the field empty: an empty element is appended.
+        clic(m_t, "cmdAceptar");
+        QCOMPARE(elementos(m_t).size(), 5);
+        QCOMPARE(elementos(m_t).last(), QString());
+
+        ServiciosGrabados s; // a question would be recorded here
+        clic(m_t, "cmdGrabar");
+        QVERIFY(s.mensajes.isEmpty());
+        QVERIFY(s.entradas.isEmpty());
+        QVERIFY(!m_t->Modificado());
+        QCOMPARE(leer(m_tabla), QByteArray("ALAVA\r\nALBACETE\r\nASTURIAS\r\nALMERIA\r\n"));
+
+        // Salir on a clean table closes without a box.
+        Caja caja;
+        responder(caja, u"Boton(0)"_qs, m_t);
+        clic(m_t, "cmdSalir");
+        QTRY_VERIFY(!m_t);
+        QCoreApplication::processEvents();
+        QVERIFY(!caja.vista);
+    }
+
+    // A new element typed without choosing a row goes to the end; characters beyond ASCII too.
+    void anadirYGrabar()
+    {
+        abrir(m_tabla);
+        DevolverFoco(elemento());
+        QTest::keyClicks(elemento(), u"a coru"_qs);
+        QTest::sendKeyEvent(QTest::Click, elemento(), Qt::Key_unknown, u"ñ"_qs, Qt::NoModifier);
+        QTest::keyClicks(elemento(), u"a"_qs);
+        QCOMPARE(elemento()->text(), u"A CORUÑA"_qs);
+        clic(m_t, "cmdAceptar");
+        QTest::keyClicks(elemento(), u"burgos"_qs);
+        clic(m_t, "cmdAceptar");
+        clic(m_t, "cmdGrabar");
+        QCOMPARE(leer(m_tabla), provincias + QByteArray("A CORU\xc3\x91" "A\r\nBURGOS\r\n"));
+        QVERIFY(!m_t->Modificado());
+    }
+
+    void clicSinEleccion_data()
+    {
+        QTest::addColumn<bool>("titulos");
+        QTest::newRow("en los títulos") << true;
+        QTest::newRow("bajo la última fila") << false;
+    }
+    void clicSinEleccion()
+    {
+        QFETCH(bool, titulos);
+        abrir(m_tabla);
+        VisorRejilla *v = m_t->VisorTabla();
+        if (titulos)
+            QTest::mouseClick(v->horizontalHeader()->viewport(), Qt::LeftButton, {}, QPoint(20, 5));
+        else
+            QTest::mouseClick(v->viewport(), Qt::LeftButton, {}, QPoint(20, v->viewport()->height() - 3));
+        QCOMPARE(m_t->FilaEditada(), 0);
+        QCOMPARE(elemento()->text(), QString());
+    }
+
+    // Enter on the grid chooses its current row, for the keyboard.
+    void elegirConIntro()
+    {
+        abrir(m_tabla);
+        VisorRejilla *v = m_t->VisorTabla();
+        v->setFocus();
+        QTest::keyClick(v, Qt::Key_Down);
+        QTest::keyClick(v, Qt::Key_Return);
+        QCOMPARE(m_t->FilaEditada(), v->rejilla().Row());
+        QCOMPARE(elemento()->text(), elementos(m_t).at(v->rejilla().Row() - 1));
+        QCOMPARE(nombreDelFoco(), u"Elemento"_qs);
+    }
+
+    // The field switches a chosen element to its editing form and back: that is not editing.
+    void elegirNoMarca_data()
+    {
+        QTest::addColumn<QString>("tag");
+        QTest::addColumn<QByteArray>("disco");
+        QTest::addColumn<QString>("editando");
+        QTest::newRow("texto") << u"T(M) L(15) A(I)"_qs << QByteArray("ALAVA\r\n") << u"ALAVA"_qs;
+        QTest::newRow("importe") << u"T(n) L(10) D(2) A(D)"_qs << QByteArray("1.234,50\r\n") << u"1234.50"_qs;
+    }
+    void elegirNoMarca()
+    {
+        QFETCH(QString, tag);
+        QFETCH(QByteArray, disco);
+        QFETCH(QString, editando);
+        QFile f(m_tabla);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write(disco);
+        f.close();
+        abrir(m_tabla, true, tag);
+        QCOMPARE(TagDe(elemento()), tag);
+        clicFila(m_t, 1);
+        QCOMPARE(nombreDelFoco(), u"Elemento"_qs);
+        QCOMPARE(elemento()->text(), editando);
+        QVERIFY(!m_t->Modificado());
+        // Stored back unchanged, in the form the field shows once it is left.
+        clic(m_t, "cmdAceptar");
+        clic(m_t, "cmdGrabar");
+        QCOMPARE(leer(m_tabla), disco);
+    }
+
+    // Choosing a row whose text the field already holds must not swallow the next key.
+    void elegirMismoTexto()
+    {
+        abrir(m_tabla);
+        clicFila(m_t, 2);
+        clic(m_t, "cmdAceptar"); // stores the same text back: the table is marked
+        clic(m_t, "cmdGrabar");
+        QVERIFY(!m_t->Modificado());
+        clicFila(m_t, 2);
+        QTest::keyClick(m_t->VisorTabla(), Qt::Key_Return); // chosen twice, same text
+        QTest::keyClicks(elemento(), u"x"_qs);
+        QVERIFY(m_t->Modificado());
+    }
+
+    void salir_data()
+    {
+        QTest::addColumn<QString>("boton");
+        QTest::addColumn<bool>("cerrada");
+        QTest::newRow("Cancelar se queda") << u"Boton(0)"_qs << false;
+        QTest::newRow("Aceptar sale sin grabar") << u"Boton(1)"_qs << true;
+        QTest::newRow("Escape se queda") << QString() << false;
+    }
+    void salir()
+    {
+        QFETCH(QString, boton);
+        QFETCH(bool, cerrada);
+        abrir(m_tabla);
+        clicFila(m_t, 1);
+        QTest::keyClicks(elemento(), u"arab"_qs);
+        Caja caja;
+        responder(caja, boton, m_t);
+        clic(m_t, "cmdSalir");
+        QVERIFY(caja.vista);
+        QCOMPARE(caja.mensaje, TextoMensaje(u"Datos han sido modificados.;;¿ Desea salir sin grabar ?"_qs));
+        QCOMPARE(caja.titulo, QString());
+        QCOMPARE(caja.botones, (QStringList{u"Aceptar"_qs, u"Cancelar"_qs}));
+        QCOMPARE(caja.foco, u"Boton(0)"_qs); // the second button, "Cancelar"
+        QVERIFY(caja.centrada);
+        QVERIFY(caja.icono);
+        if (cerrada)
+            QTRY_VERIFY(!m_t);
+        else {
+            QCoreApplication::processEvents();
+            QVERIFY(m_t && m_t->isVisible());
+            QVERIFY(m_t->Modificado());
+            QCOMPARE(elemento()->text(), u"ARAB"_qs); // the pending edit is still there
+        }
+        QCOMPARE(leer(m_tabla), provincias);
+    }
+
+    // Closing from the title bar asks the same question when there are changes.
+    void cerrarVentana()
+    {
+        abrir(m_tabla);
+        DevolverFoco(elemento());
+        QTest::keyClicks(elemento(), u"b"_qs);
+        Caja caja;
+        responder(caja, u"Boton(0)"_qs, m_t);
+        QVERIFY(!m_t->close());
+        QVERIFY(caja.vista);
+        QVERIFY(m_t);
+        Caja otra;
+        responder(otra, u"Boton(1)"_qs, m_t);
+        QVERIFY(m_t->close());
+        QVERIFY(otra.vista);
+        QTRY_VERIFY(!m_t);
+    }
+
+    // Without a file name "Grabar" asks every time and keeps none of the answers.
+    void grabarSinNombre()
+    {
+        ServiciosGrabados s;
+        s.aceptarEntrada = true;
+        s.respuestaEntrada = m_dir.filePath(u"nueva.txt"_qs);
+        abrir(QString(), false);
+        QVERIFY(s.entradas.isEmpty()); // nothing to load, nothing asked
+        DevolverFoco(elemento());
+        QTest::keyClicks(elemento(), u"soria"_qs);
+        clic(m_t, "cmdAceptar");
+        clic(m_t, "cmdGrabar");
+        clic(m_t, "cmdGrabar");
+        QCOMPARE(s.entradas.size(), 2);
+        QCOMPARE(s.entradas[1].pregunta, u"Path y Nombre del fichero a REGRABAR"_qs);
+        QCOMPARE(s.entradas[1].titulo, u"Editor de Tablas de PQD"_qs);
+        // At the grid's corner on the screen.
+        const QPoint esquina = m_t->VisorTabla()->mapToGlobal(QPoint(0, 0));
+        QCOMPARE(s.entradas[1].xTwips, int(std::lround(esquina.x() * 1440.0 / m_t->logicalDpiX())));
+        QCOMPARE(s.entradas[1].yTwips, int(std::lround(esquina.y() * 1440.0 / m_t->logicalDpiY())));
+        QCOMPARE(TagDe(m_t), QString());
+        QCOMPARE(leer(s.respuestaEntrada), QByteArray("SORIA\r\n"));
+        QVERIFY(!m_t->Modificado());
+
+        // Cancelled: nothing written, and the mark is cleared all the same.
+        QTest::keyClicks(elemento(), u"teruel"_qs);
+        clic(m_t, "cmdAceptar");
+        s.aceptarEntrada = false;
+        clic(m_t, "cmdGrabar");
+        QCOMPARE(s.entradas.size(), 3);
+        QVERIFY(!m_t->Modificado());
+        QCOMPARE(leer(s.respuestaEntrada), QByteArray("SORIA\r\n"));
+        QVERIFY(s.mensajes.isEmpty());
+    }
+
+    // Loading without a file name asks once, and the answer is not kept.
+    void cargarSinNombre()
+    {
+        ServiciosGrabados s;
+        s.aceptarEntrada = true;
+        s.respuestaEntrada = m_tabla;
+        abrir(QString(), true);
+        QCOMPARE(s.entradas.size(), 1);
+        QCOMPARE(s.entradas[0].pregunta, u"Path y Nombre del fichero a CARGAR"_qs);
+        QCOMPARE(elementos(m_t).size(), 4);
+        QCOMPARE(TagDe(m_t), QString());
+    }
+
+    // A file error is shown and the window goes on; the table keeps its mark, the file stays.
+    void errorAlGrabar()
+    {
+        ServiciosGrabados s;
+        const QString carpeta = m_dir.filePath(u"soy_carpeta"_qs);
+        QDir().mkpath(carpeta);
+        abrir(carpeta, true); // a folder cannot be read as a table
+        QCOMPARE(s.mensajes.size(), 1);
+        QVERIFY2(s.mensajes[0].texto.startsWith(u"Error 75: "_qs), qPrintable(s.mensajes[0].texto));
+        QCOMPARE(s.mensajes[0].botones & 0x70, int(Critico));
+        DevolverFoco(elemento());
+        QTest::keyClicks(elemento(), u"lugo"_qs);
+        clic(m_t, "cmdAceptar");
+        clic(m_t, "cmdGrabar");
+        QCOMPARE(s.mensajes.size(), 2);
+        QVERIFY(s.mensajes[1].texto.startsWith(u"Error 75: "_qs));
+        QVERIFY(m_t->Modificado());
+        QVERIFY(QFileInfo(carpeta).isDir());
+        // Still usable: another element goes in.
+        QTest::keyClicks(elemento(), u"leon"_qs);
+        clic(m_t, "cmdAceptar");
+        QCOMPARE(elementos(m_t).mid(elementos(m_t).size() - 2), (QStringList{u"LUGO"_qs, u"LEON"_qs}));
+    }
+};
+
+QTEST_MAIN(TstFrmTablas)
+#include "tst_frmtablas.moc"
