@@ -20,6 +20,12 @@
 //
 // Positions: Top and Left are in twips (1440 an inch); -1 centres the box on the screen in that
 // direction; a Formulario centres it over that window whatever Top and Left say.
+//
+// The viewer box (MyVisorBox) shows a table in a small grid in place of the message. A click on
+// a data row chooses it, a double click chooses it and presses the leftmost answer button; from
+// the keyboard, moving the current cell onto a data row chooses it and Enter in the grid
+// confirms like a double click. The colour swatch RGBText (hidden unless a caller shows it)
+// opens the desktop's colour dialog.
 #include <kvr/cajas.h>
 
 #include <QDialog>
@@ -27,6 +33,8 @@
 #include <QPixmap>
 #include <QPoint>
 #include <QString>
+#include <QStringList>
+#include <QVector>
 
 #include <memory>
 
@@ -61,6 +69,21 @@ QString MyInputBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcon
                    float Left = -1, QWidget *Formulario = nullptr,
                    const QString &FicheroAyuda = {});
 
+// Shows the table Matriz under the column descriptor line Titulos (titles and widths, as
+// CargarVisor reads it) with the title ElTitulo and icon ElIcono. Matriz[i][j] goes to grid row
+// i, column j - 1; index 0 of either dimension is not shown, so hosts fill from 1. Every row
+// from 1 must hold the grid's column count plus one elements: a shorter row throws
+// ErrorEjecucion(SubindiceFueraDeIntervalo) before the box is shown; further elements are not
+// shown. With ColumnaDevolver (a column title, or "#n" for column n) the box offers "Aceptar"
+// and "Cancelar" (focus on "Cancelar") and returns the text of the chosen row in that column
+// when closed with "Aceptar"; a title no column has is reported and column 0 is used. Without
+// it only "Aceptar" is shown and a chosen row gives its column 0. No chosen row, "Cancelar" or
+// Escape: "".
+QString MyVisorBox(const QString &ElTitulo, const QString &Titulos,
+                   const QVector<QStringList> &Matriz, int ElIcono,
+                   const QString &ColumnaDevolver, float Top = -1, float Left = -1,
+                   QWidget *Formulario = nullptr);
+
 class MyBox : public QDialog {
     Q_OBJECT
 public:
@@ -87,6 +110,13 @@ public:
     void PrepararPregunta(const QString &TagDelCampo, const QString &DatoInicial);
     // Shows "Ayuda" for an existing help file.
     void PonerAyuda(const QString &FicheroAyuda);
+    // Hides the message and shows VisorMini with the columns of Titulos and the rows of Matriz
+    // (see MyVisorBox).
+    void PrepararVisor(const QString &Titulos, const QVector<QStringList> &Matriz);
+    // The column whose text a chosen row gives: the one titled ColumnaDevolver (or "#n"), found
+    // by BuscarColumnaVisor; an empty title leaves column 0.
+    void PonerColumnaDevolver(const QString &ColumnaDevolver);
+    float ColumnaDevolver() const { return m_columnaDevolver; }
 
     // True when the range in CampoTexto and CampoHasta is in order (an open range always is).
     bool DesdeHastaOk();
@@ -103,6 +133,14 @@ public:
     void Boton_Click(int Index);
     void Boton_KeyPress(int Index, int &KeyAscii);
     void Ayuda_Click();
+    // Row choice in the viewer: a data row under the pointer gives its text in the column to
+    // return; the double click then presses the leftmost visible answer button.
+    void VisorMini_Click(int fila, int col);
+    void VisorMini_DblClick(int fila, int col);
+    // The colour swatch: the colour dialog dlgColores, started from the swatch's colour; the
+    // colour chosen paints the swatch and goes into CampoTexto as the number red + 256 green +
+    // 65536 blue. Cancelling changes nothing.
+    void RGBText_Click();
 
     // Closing the box without a button (Escape, the window closed): result code 0.
     void reject() override;
@@ -116,6 +154,8 @@ protected:
 
 private:
     template <typename F> void ejecutar(F &&accion);
+    void elegirFilaActual();
+    void VisorMini_RowColChange();
     void aplicarOrdenTab();
 
     std::unique_ptr<Ui::MyBox> ui;
@@ -134,7 +174,9 @@ private:
     // NoRecordarCampo as it was before the range box's fields raised it.
     bool m_noRecordarAntes = false;
     // The grid column whose text a row choice returns (0: none asked for).
-    [[maybe_unused]] float m_columnaDevolver = 0;
+    float m_columnaDevolver = 0;
+    // A key pressed in VisorMini is being handled: a move of its current cell chooses the row.
+    bool m_teclaEnVisor = false;
 
     // Dragging by hand where the window system cannot move the window itself.
     bool m_arrastrando = false;

@@ -1,5 +1,5 @@
-// The runtime's modal box: message, buttons, icon, the input, range and list questions, the help
-// button and dragging by the free surface.
+// The runtime's modal box: message, buttons, icon, the input, range and list questions, the
+// viewer grid and its colour swatch, the help button and dragging by the free surface.
 #include "kvr/mybox.h"
 #include "ui_mybox.h"
 
@@ -8,11 +8,14 @@
 #include "kvr/error.h"
 #include "kvr/layout.h"
 #include "kvr/minihelp.h"
+#include "kvr/mivisor.h"
 #include "kvr/servicios.h"
 #include "kvr/utilidades.h"
 #include "kvr/valores.h"
+#include "kvr/visorrejilla.h"
 
 #include <QApplication>
+#include <QColorDialog>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -108,6 +111,22 @@ MyBox::MyBox(QWidget *parent)
         m_botones[i]->installEventFilter(this);
     }
     connect(ui->Ayuda, &QPushButton::clicked, this, [this] { Ayuda_Click(); });
+
+    // The viewer grid: Tab leaves it for the buttons, a chosen row shows as a whole.
+    VisorRejilla *visor = ui->VisorMini;
+    visor->setTabKeyNavigation(false);
+    visor->setSelectionBehavior(QAbstractItemView::SelectRows);
+    visor->installEventFilter(this);
+    connect(visor, &VisorRejilla::Click, this, [this](int fila, int col) {
+        ejecutar([&] { VisorMini_Click(fila, col); });
+    });
+    connect(visor, &VisorRejilla::DobleClick, this, [this](int fila, int col) {
+        ejecutar([&] { VisorMini_DblClick(fila, col); });
+    });
+    connect(visor, &VisorRejilla::RowColChange, this, [this] {
+        ejecutar([&] { VisorMini_RowColChange(); });
+    });
+    ui->RGBText->installEventFilter(this);
 
     // Tab order of the design: the question's controls, then the buttons left to right.
     m_ordenTab = {ui->CampoTexto, ui->CampoHasta, ui->cbxTabla, ui->VisorMini,
@@ -242,6 +261,95 @@ void MyBox::PonerAyuda(const QString &FicheroAyuda)
         ui->Ayuda->show();
         PonerTagDe(ui->Ayuda, FicheroAyuda);
     }
+}
+
+void MyBox::PrepararVisor(const QString &Titulos, const QVector<QStringList> &Matriz)
+{
+    ui->Mensaje->hide();
+    Rejilla &rejilla = ui->VisorMini->rejilla();
+    CargarVisor(rejilla, Titulos);
+    // One repaint for the whole table, however many rows it has.
+    const bool redraw = rejilla.Redraw();
+    rejilla.PonerRedraw(false);
+    const int columnas = rejilla.Cols();
+    try {
+        for (int i = 1; i < Matriz.size(); ++i) {
+            const QStringList &fila = Matriz.at(i);
+            if (fila.size() <= columnas)
+                throw ErrorEjecucion(
+                    ErrorEjecucion::SubindiceFueraDeIntervalo,
+                    QStringLiteral("Subíndice fuera del intervalo (Matriz(%1, %2))")
+                        .arg(i)
+                        .arg(fila.size()));
+            for (int j = 1; j <= columnas; ++j)
+                PonerCelda(rejilla, i, j - 1, fila.at(j));
+        }
+    } catch (...) {
+        rejilla.PonerRedraw(redraw);
+        throw;
+    }
+    rejilla.PonerRedraw(redraw);
+    ui->VisorMini->show();
+}
+
+void MyBox::PonerColumnaDevolver(const QString &ColumnaDevolver)
+{
+    if (!ColumnaDevolver.isEmpty())
+        m_columnaDevolver = float(BuscarColumnaVisor(ui->VisorMini->rejilla(), ColumnaDevolver));
+}
+
+void MyBox::elegirFilaActual()
+{
+    const Rejilla &rejilla = ui->VisorMini->rejilla();
+    m_texto = LeerCelda(rejilla, rejilla.Row(), int(m_columnaDevolver));
+}
+
+void MyBox::VisorMini_Click(int fila, int /*col*/)
+{
+    // Only a row of data counts: the title row and the space below the rows choose nothing.
+    const Rejilla &rejilla = ui->VisorMini->rejilla();
+    if (fila >= rejilla.FixedRows() && fila < rejilla.Rows())
+        elegirFilaActual();
+}
+
+void MyBox::VisorMini_DblClick(int fila, int col)
+{
+    VisorMini_Click(fila, col);
+    for (int i = 2; i >= 0; --i) {
+        if (m_botones[i]->isVisibleTo(this)) {
+            Boton_Click(i);
+            return;
+        }
+    }
+}
+
+void MyBox::VisorMini_RowColChange()
+{
+    // Only a move made by a key chooses; the mouse chooses by its click, and the current cell
+    // set while the grid is filled chooses nothing.
+    if (!m_teclaEnVisor)
+        return;
+    m_teclaEnVisor = false;
+    const Rejilla &rejilla = ui->VisorMini->rejilla();
+    VisorMini_Click(rejilla.Row(), rejilla.Col());
+}
+
+void MyBox::RGBText_Click()
+{
+    QColorDialog dlgColores(this);
+    dlgColores.setObjectName(QStringLiteral("dlgColores"));
+    dlgColores.setCurrentColor(ui->RGBText->palette().color(QPalette::Window));
+    // A cancel leaves the swatch and the field as they were.
+    if (dlgColores.exec() != QDialog::Accepted)
+        return;
+    const QColor color = dlgColores.selectedColor();
+    if (!color.isValid())
+        return;
+    QPalette paleta = ui->RGBText->palette();
+    paleta.setColor(QPalette::Window, color);
+    ui->RGBText->setPalette(paleta);
+    const qint64 valor = qint64(color.red()) | qint64(color.green()) << 8 | qint64(color.blue()) << 16;
+    ui->CampoTexto->setText(QString::number(valor));
 }
 
 bool MyBox::DesdeHastaOk()
@@ -380,6 +488,37 @@ void MyBox::mouseReleaseEvent(QMouseEvent *evento)
 
 bool MyBox::eventFilter(QObject *objeto, QEvent *evento)
 {
+    if (objeto == ui->RGBText) {
+        // The swatch answers a left click; its press does not start dragging the box.
+        if (evento->type() == QEvent::MouseButtonPress
+            || evento->type() == QEvent::MouseButtonDblClick) {
+            if (static_cast<QMouseEvent *>(evento)->button() == Qt::LeftButton)
+                return true;
+        } else if (evento->type() == QEvent::MouseButtonRelease) {
+            const auto *m = static_cast<QMouseEvent *>(evento);
+            if (m->button() == Qt::LeftButton) {
+                if (ui->RGBText->rect().contains(m->position().toPoint()))
+                    ejecutar([&] { RGBText_Click(); });
+                return true;
+            }
+        }
+        return QDialog::eventFilter(objeto, evento);
+    }
+    if (objeto == ui->VisorMini) {
+        if (evento->type() == QEvent::KeyPress) {
+            const auto *k = static_cast<QKeyEvent *>(evento);
+            if (k->key() == Qt::Key_Return || k->key() == Qt::Key_Enter) {
+                // Enter confirms the current row as a double click on it would.
+                const Rejilla &rejilla = ui->VisorMini->rejilla();
+                ejecutar([&] { VisorMini_DblClick(rejilla.Row(), rejilla.Col()); });
+                return true;
+            }
+            m_teclaEnVisor = true;
+        } else if (evento->type() == QEvent::KeyRelease || evento->type() == QEvent::FocusOut) {
+            m_teclaEnVisor = false;
+        }
+        return QDialog::eventFilter(objeto, evento);
+    }
     if (evento->type() == QEvent::KeyPress) {
         const auto *k = static_cast<QKeyEvent *>(evento);
         if (k->key() == Qt::Key_Return || k->key() == Qt::Key_Enter) {
@@ -438,6 +577,29 @@ QString MyInputBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcon
         break;
     }
     return TextoEdicion(caja->TextoResultado(), TagDelCampo);
+}
+
+QString MyVisorBox(const QString &ElTitulo, const QString &Titulos,
+                   const QVector<QStringList> &Matriz, int ElIcono,
+                   const QString &ColumnaDevolver, float Top, float Left, QWidget *Formulario)
+{
+    auto caja = std::make_unique<MyBox>(padreDe(Formulario));
+    caja->PonerTitulo(ElTitulo);
+    caja->PonerIcono(ElIcono);
+    caja->PrepararVisor(Titulos, Matriz);
+    // Picking a row: "Aceptar" and "Cancelar", the focus on "Cancelar". Only looking: "Aceptar".
+    if (ColumnaDevolver.isEmpty())
+        caja->DisponerBotones(1, 1, Top, Left, Formulario);
+    else
+        caja->DisponerBotones(2, 2, Top, Left, Formulario);
+    caja->PonerColumnaDevolver(ColumnaDevolver);
+    if (!mostrarModal(caja.get())) {
+        (void)caja.release();
+        return QString();
+    }
+    if (caja->Resultado() != float(CajaAceptar))
+        return QString();
+    return caja->TextoResultado();
 }
 
 } // namespace kvr
