@@ -16,6 +16,7 @@
 #include <QDir>
 #include <QFrame>
 #include <QHeaderView>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -422,6 +423,48 @@ private Q_SLOTS:
         QVERIFY(!m_t->Modificado());
         QCOMPARE(leer(s.respuestaEntrada), QByteArray("SORIA\r\n"));
         QVERIFY(s.mensajes.isEmpty());
+    }
+
+    // The desktop's own input box, as a host without a recorder gets it: Spanish buttons, the
+    // question, at the grid's corner; the name typed there is where the table goes.
+    void cajaDeEntradaReal()
+    {
+        abrir(QString(), false);
+        DevolverFoco(elemento());
+        QTest::keyClicks(elemento(), u"zamora"_qs);
+        clic(m_t, "cmdAceptar");
+        const QString destino = m_dir.filePath(u"real.txt"_qs);
+        struct Vista {
+            bool vista = false;
+            QString titulo, pregunta;
+            QStringList botones;
+            QPoint esquina;
+        } v;
+        QTimer::singleShot(0, qApp, [&v, destino] {
+            auto *caja = qobject_cast<QInputDialog *>(QApplication::activeModalWidget());
+            if (!caja || !QTest::qWaitForWindowExposed(caja))
+                return;
+            v.vista = true;
+            v.titulo = caja->windowTitle();
+            v.pregunta = caja->labelText();
+            for (auto *b : caja->findChildren<QPushButton *>())
+                v.botones.append(b->text());
+            v.botones.sort();
+            v.esquina = caja->pos();
+            auto *campo = caja->findChild<QLineEdit *>();
+            campo->setFocus();
+            QTest::keyClicks(campo, destino);
+            for (auto *b : caja->findChildren<QPushButton *>())
+                if (b->text() == u"Aceptar")
+                    QTest::mouseClick(b, Qt::LeftButton);
+        });
+        clic(m_t, "cmdGrabar");
+        QVERIFY(v.vista);
+        QCOMPARE(v.titulo, u"Editor de Tablas de PQD"_qs);
+        QCOMPARE(v.pregunta, u"Path y Nombre del fichero a REGRABAR"_qs);
+        QCOMPARE(v.botones, (QStringList{u"Aceptar"_qs, u"Cancelar"_qs}));
+        QCOMPARE(v.esquina, m_t->VisorTabla()->mapToGlobal(QPoint(0, 0)));
+        QCOMPARE(leer(destino), QByteArray("ZAMORA\r\n"));
     }
 
     // Loading without a file name asks once, and the answer is not kept.
