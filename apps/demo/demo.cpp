@@ -3,6 +3,8 @@
 #include <kvr/kvr.h>
 
 #include <QCheckBox>
+#include <QCoreApplication>
+#include <QFileInfo>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -10,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QGroupBox>
 #include <QVBoxLayout>
 
 namespace {
@@ -37,6 +40,15 @@ const Ejemplo kCampos[] = {
 };
 
 } // namespace
+
+QString Demo::datos(const QString &nombre)
+{
+    // The demo's sample files: beside the program once installed, else in the source tree.
+    const QString instalado = QCoreApplication::applicationDirPath() + QStringLiteral("/../share/kvr/demo/") + nombre;
+    if (QFileInfo::exists(instalado))
+        return instalado;
+    return QStringLiteral(KVR_DEMO_DATOS "/") + nombre;
+}
 
 Demo::Demo(QWidget *parent)
     : QWidget(parent)
@@ -74,6 +86,88 @@ Demo::Demo(QWidget *parent)
                    QStringLiteral("Abril"), QStringLiteral("Mayo"), QStringLiteral("Junio")});
     kvr::PrepararCampo(mes, QStringLiteral("T(m) L(10) A(I) +(Marzo)"));
     form->addRow(QStringLiteral("Lista (+ elige Marzo)"), mes);
+
+    // The runtime's boxes: a message with each button set, a value of each field type, a date
+    // range, a choice from a list, and the help window.
+    auto *cajas = new QGroupBox(QStringLiteral("Cajas de diálogo"), this);
+    raiz->addWidget(cajas);
+    auto *rejillaCajas = new QFormLayout(cajas);
+    auto *resultado = new QLabel(QStringLiteral("Resultado: "), this);
+    resultado->setObjectName(QStringLiteral("etiResultado"));
+
+    auto *juego = new QComboBox(cajas);
+    juego->setObjectName(QStringLiteral("cbxBotones"));
+    juego->addItems({QStringLiteral("1 Aceptar"), QStringLiteral("2 Aceptar, Cancelar"),
+                     QStringLiteral("3 Sí, No"), QStringLiteral("4 Sí, No, Cancelar"),
+                     QStringLiteral("5 Abortar, Reintentar, Ignorar"), QStringLiteral("6 Reintentar, Cancelar")});
+    auto *mensaje = new QPushButton(QStringLiteral("Mensaje"), cajas);
+    mensaje->setObjectName(QStringLiteral("cmdMensaje"));
+    connect(mensaje, &QPushButton::clicked, this, [this, juego, resultado] {
+        const int botones = juego->currentIndex() + 1;
+        const float r = kvr::MyMsgBox(QStringLiteral("Mensaje de prueba con el juego de botones %1.;;"
+                                                     "El punto y coma separa las líneas.").arg(botones),
+                                      QStringLiteral("Demostración"), botones <= 4 ? botones : 3, botones, 1,
+                                      -1, -1, this);
+        resultado->setText(QStringLiteral("Resultado: %1").arg(r));
+    });
+    auto *filaMensaje = new QHBoxLayout;
+    filaMensaje->addWidget(juego, 1);
+    filaMensaje->addWidget(mensaje);
+    rejillaCajas->addRow(QStringLiteral("Juego de botones"), filaMensaje);
+
+    auto *tipo = new QComboBox(cajas);
+    tipo->setObjectName(QStringLiteral("cbxTipo"));
+    for (const Ejemplo &e : kCampos)
+        tipo->addItem(QString::fromUtf8(e.etiqueta), QString::fromUtf8(e.tag));
+    auto *pedir = new QPushButton(QStringLiteral("Pedir un dato"), cajas);
+    pedir->setObjectName(QStringLiteral("cmdPedir"));
+    connect(pedir, &QPushButton::clicked, this, [this, tipo, resultado] {
+        const QString r = kvr::MyInputBox(QStringLiteral("Teclee un dato de tipo:;") + tipo->currentText(),
+                                          QStringLiteral("Entrada de datos"), 2, tipo->currentData().toString(),
+                                          {}, -1, -1, this, datos(QStringLiteral("ayuda_demo.rtf")));
+        resultado->setText(QStringLiteral("Resultado: «%1»").arg(r));
+    });
+    auto *filaPedir = new QHBoxLayout;
+    filaPedir->addWidget(tipo, 1);
+    filaPedir->addWidget(pedir);
+    rejillaCajas->addRow(QStringLiteral("Tipo de campo"), filaPedir);
+
+    auto *filaOtras = new QHBoxLayout;
+    auto *rango = new QPushButton(QStringLiteral("Rango de fechas"), cajas);
+    rango->setObjectName(QStringLiteral("cmdRango"));
+    connect(rango, &QPushButton::clicked, this, [this, resultado] {
+        const QString r = kvr::MyInputBox(QStringLiteral("Fechas del listado"), QStringLiteral("Rango"), 2,
+                                          QStringLiteral("T(F) L(10) A(I) (/)"),
+                                          QStringLiteral("01/01/2026") + QChar(0x0192) + QStringLiteral("31/12/2026"),
+                                          -1, -1, this);
+        resultado->setText(QStringLiteral("Resultado: «%1»").arg(r));
+    });
+    auto *lista = new QPushButton(QStringLiteral("Elegir de una lista"), cajas);
+    lista->setObjectName(QStringLiteral("cmdLista"));
+    connect(lista, &QPushButton::clicked, this, [this, resultado] {
+        const QString r = kvr::MyInputBox(QStringLiteral("Elija una forma de pago"), QStringLiteral("Lista"), 2,
+                                          QStringLiteral("TABLA"),
+                                          QStringLiteral("Contado;Transferencia;Recibo a 30 días;Recibo a 60 días"),
+                                          -1, -1, this);
+        resultado->setText(QStringLiteral("Resultado: «%1»").arg(r));
+    });
+    auto *ayudaBoton = new QPushButton(QStringLiteral("Ayuda"), cajas);
+    ayudaBoton->setObjectName(QStringLiteral("cmdAyuda"));
+    connect(ayudaBoton, &QPushButton::clicked, this, [this] {
+        kvr::MiniHelp ayuda(this);
+        try {
+            ayuda.CargarAyuda(datos(QStringLiteral("ayuda_demo.rtf")));
+        } catch (const kvr::ErrorEjecucion &e) {
+            kvr::MyMsgBox(e.descripcion(), QStringLiteral("Ayuda"), 4, 1, 1);
+            return;
+        }
+        ayuda.exec();
+    });
+    filaOtras->addWidget(rango);
+    filaOtras->addWidget(lista);
+    filaOtras->addWidget(ayudaBoton);
+    rejillaCajas->addRow(filaOtras);
+    rejillaCajas->addRow(resultado);
 
     auto *botones = new QHBoxLayout;
     raiz->addLayout(botones);

@@ -8,6 +8,9 @@ class Demo : public QWidget {
 public:
     explicit Demo(QWidget *parent = nullptr);
 
+    // Path of one of the demo's sample files.
+    static QString datos(const QString &nombre);
+
 protected:
     // F4 opens the calculator and F8 the phone book from any field, as in every runtime window.
     void keyReleaseEvent(QKeyEvent *evento) override;
