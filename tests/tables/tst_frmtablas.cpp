@@ -5,6 +5,7 @@
 #include <kvr/campos.h>
 #include <kvr/escala.h>
 #include <kvr/frmtablas.h>
+#include <kvr/mivisor.h>
 #include <kvr/mybox.h>
 #include <kvr/rejilla.h>
 #include <kvr/utilidades.h>
@@ -279,19 +280,6 @@ private Q_SLOTS:
         QCOMPARE(elemento()->text(), QString());
     }
 
-    // Enter on the grid chooses its current row, for the keyboard.
-    void elegirConIntro()
-    {
-        abrir(m_tabla);
-        VisorRejilla *v = m_t->VisorTabla();
-        v->setFocus();
-        QTest::keyClick(v, Qt::Key_Down);
-        QTest::keyClick(v, Qt::Key_Return);
-        QCOMPARE(m_t->FilaEditada(), v->rejilla().Row());
-        QCOMPARE(elemento()->text(), elementos(m_t).at(v->rejilla().Row() - 1));
-        QCOMPARE(nombreDelFoco(), u"Elemento"_qs);
-    }
-
     // The field switches a chosen element to its editing form and back: that is not editing.
     void elegirNoMarca_data()
     {
@@ -331,7 +319,10 @@ private Q_SLOTS:
         clic(m_t, "cmdGrabar");
         QVERIFY(!m_t->Modificado());
         clicFila(m_t, 2);
-        QTest::keyClick(m_t->VisorTabla(), Qt::Key_Return); // chosen twice, same text
+        // Chosen again by Enter on the grid (for the keyboard), with the same text.
+        QTest::keyClick(m_t->VisorTabla(), Qt::Key_Return);
+        QCOMPARE(m_t->FilaEditada(), 2);
+        QCOMPARE(nombreDelFoco(), u"Elemento"_qs);
         QTest::keyClicks(elemento(), u"x"_qs);
         QVERIFY(m_t->Modificado());
     }
@@ -390,14 +381,21 @@ private Q_SLOTS:
         QTRY_VERIFY(!m_t);
     }
 
-    // Without a file name "Grabar" asks every time and keeps none of the answers.
-    void grabarSinNombre()
+    // Without a file name the load asks once and "Grabar" every time; no answer is kept.
+    void sinNombre()
     {
         ServiciosGrabados s;
         s.aceptarEntrada = true;
+        s.respuestaEntrada = m_tabla;
+        abrir(QString(), true);
+        QCOMPARE(s.entradas.size(), 1);
+        QCOMPARE(s.entradas[0].pregunta, u"Path y Nombre del fichero a CARGAR"_qs);
+        QCOMPARE(elementos(m_t).size(), 4);
+        QCOMPARE(TagDe(m_t), QString());
+        s.entradas.clear();
         s.respuestaEntrada = m_dir.filePath(u"nueva.txt"_qs);
-        abrir(QString(), false);
-        QVERIFY(s.entradas.isEmpty()); // nothing to load, nothing asked
+        m_t->VisorTabla()->rejilla().PonerRows(2);
+        PonerCelda(m_t->VisorTabla()->rejilla(), 1, 0, QString());
         DevolverFoco(elemento());
         QTest::keyClicks(elemento(), u"soria"_qs);
         clic(m_t, "cmdAceptar");
@@ -465,19 +463,6 @@ private Q_SLOTS:
         QCOMPARE(v.botones, (QStringList{u"Aceptar"_qs, u"Cancelar"_qs}));
         QCOMPARE(v.esquina, m_t->VisorTabla()->mapToGlobal(QPoint(0, 0)));
         QCOMPARE(leer(destino), QByteArray("ZAMORA\r\n"));
-    }
-
-    // Loading without a file name asks once, and the answer is not kept.
-    void cargarSinNombre()
-    {
-        ServiciosGrabados s;
-        s.aceptarEntrada = true;
-        s.respuestaEntrada = m_tabla;
-        abrir(QString(), true);
-        QCOMPARE(s.entradas.size(), 1);
-        QCOMPARE(s.entradas[0].pregunta, u"Path y Nombre del fichero a CARGAR"_qs);
-        QCOMPARE(elementos(m_t).size(), 4);
-        QCOMPARE(TagDe(m_t), QString());
     }
 
     // A file error is shown and the window goes on; the table keeps its mark, the file stays.

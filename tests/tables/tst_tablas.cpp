@@ -115,6 +115,7 @@ private Q_SLOTS:
         QTest::newRow("menos líneas: el resto en blanco, las filas se quedan")
             << QByteArray("NUEVO\r\n") << cinco << QStringList{u"NUEVO"_qs, QString(), QString(), QString(), QString()};
         QTest::newRow("fichero vacío") << QByteArray() << cinco << QStringList(5);
+        QTest::newRow("fichero que no existe") << QByteArray("<ninguno>") << cinco << QStringList(5);
     }
     void cargar()
     {
@@ -125,9 +126,12 @@ private Q_SLOTS:
         Rejilla g;
         llenar(g, antes);
         QString fichero = ruta(u"cargar.txt"_qs);
-        escribir(fichero, disco);
+        QFile::remove(fichero);
+        if (disco != "<ninguno>")
+            escribir(fichero, disco);
         FicheroTabla(u"CARGAR"_qs, fichero, g);
         QCOMPARE(filas(g), despues);
+        QCOMPARE(QFile::exists(fichero), disco != "<ninguno>");
         QCOMPARE(g.TextMatrix(0, 0), u"Provincia"_qs);
         QVERIFY(s.mensajes.isEmpty());
     }
@@ -144,31 +148,6 @@ private Q_SLOTS:
         escribir(fichero, "nuevo\r\n");
         FicheroTabla(u"CARGAR"_qs, fichero, g);
         QCOMPARE(filas(g), (QStringList{u"nuevo"_qs, QString(), QString()}));
-    }
-
-    void cargarInexistente()
-    {
-        ServiciosGrabados s;
-        Rejilla g;
-        llenar(g, {u"a"_qs, u"b"_qs, u"c"_qs});
-        QString fichero = ruta(u"no_existe.txt"_qs);
-        FicheroTabla(u"CARGAR"_qs, fichero, g);
-        QCOMPARE(filas(g), QStringList(3));
-        QVERIFY(s.mensajes.isEmpty());
-        QVERIFY(!QFile::exists(fichero));
-    }
-
-    // Gaps closed by a save stay closed when the file is loaded again; characters survive.
-    void idaYVuelta()
-    {
-        Rejilla g;
-        llenar(g, {u"Ávila"_qs, QString(), u"Cádiz"_qs, u"  "_qs, u" Jaén "_qs});
-        QString fichero = ruta(u"vuelta.txt"_qs);
-        FicheroTabla(u"REGRABAR"_qs, fichero, g);
-        Rejilla h;
-        llenar(h, {});
-        FicheroTabla(u"CARGAR"_qs, fichero, h);
-        QCOMPARE(filas(h), (QStringList{u"Ávila"_qs, u"Cádiz"_qs, u" Jaén "_qs}));
     }
 
     void sobreescribir_data()
