@@ -1,0 +1,455 @@
+// The viewer box on screen: real clicks, double clicks and keys on its grid and buttons, sent
+// from a queued callback once the box is up; what the callback sees is checked after the call
+// has returned.
+#include <kvr/error.h>
+#include <kvr/layout.h>
+#include <kvr/mybox.h>
+#include <kvr/visorrejilla.h>
+
+#include "registro.h"
+
+#include <QApplication>
+#include <QColorDialog>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QTimer>
+#include <QtTest>
+
+#include <cmath>
+#include <functional>
+
+using namespace kvr;
+
+namespace {
+
+// Runs `accion` on the modal box once it is shown and active. A box left open is closed after a
+// few seconds, so that a failing test fails instead of hanging.
+void alAbrirse(std::function<void(QWidget *)> accion)
+{
+    QTimer::singleShot(0, qApp, [accion] {
+        QWidget *caja = QApplication::activeModalWidget();
+        QVERIFY(caja);
+        QVERIFY(QTest::qWaitForWindowActive(caja));
+        QPointer<QWidget> vigia(caja);
+        QTimer::singleShot(5000, qApp, [vigia] {
+            if (vigia && vigia->isVisible())
+                vigia->close();
+        });
+        accion(caja);
+    });
+}
+
+template <typename T = QWidget> T *control(QWidget *caja, const char *nombre)
+{
+    return caja->findChild<T *>(QLatin1String(nombre));
+}
+QPushButton *boton(QWidget *caja, int i)
+{
+    return caja->findChild<QPushButton *>(QStringLiteral("Boton(%1)").arg(i));
+}
+QPushButton *botonTitulado(QWidget *caja, const QString &titulo)
+{
+    for (int i = 0; i < 3; ++i) {
+        if (boton(caja, i)->isVisible() && boton(caja, i)->text() == titulo)
+            return boton(caja, i);
+    }
+    return nullptr;
+}
+QString titulosVisibles(QWidget *caja)
+{
+    QStringList t;
+    for (int i = 2; i >= 0; --i) {
+        if (boton(caja, i)->isVisible())
+            t << boton(caja, i)->text();
+    }
+    return t.join(u'|');
+}
+QString nombreDelFoco()
+{
+    QWidget *f = QApplication::focusWidget();
+    return f ? f->objectName() : QString();
+}
+
+// The middle of a data row's cell in the first visible column, in viewport coordinates.
+QPoint centroDeFila(VisorRejilla *visor, int fila)
+{
+    int col = 0;
+    while (visor->isColumnHidden(col))
+        ++col;
+    const QModelIndex i = visor->model()->index(visor->modeloRejilla()->filaVista(fila), col);
+    visor->scrollTo(i);
+    return visor->visualRect(i).center();
+}
+QPoint centroDeTitulo(VisorRejilla *visor, int col)
+{
+    QHeaderView *h = visor->horizontalHeader();
+    return QPoint(h->sectionViewportPosition(col) + h->sectionSize(col) / 2, h->height() / 2);
+}
+
+// Plays a script of user actions on the box, separated by blanks: "fila:N" clicks grid row N,
+// "doble:N" double-clicks it, "titulo:C" clicks the title of column C, "dobletitulo:C"
+// double-clicks it, "tab", "abajo", "enter" and "escape" are keys for the focused control, any
+// other word clicks the visible button of that caption. Stops when the box has gone.
+void representar(QWidget *caja, const QString &guion)
+{
+    QPointer<QWidget> vigia(caja);
+    auto *visor = control<VisorRejilla>(caja, "VisorMini");
+    for (const QString &paso : guion.split(u' ', Qt::SkipEmptyParts)) {
+        if (!vigia || !vigia->isVisible())
+            return;
+        const QString orden = paso.section(u':', 0, 0);
+        const int n = paso.section(u':', 1, 1).toInt();
+        if (orden == u"fila")
+            QTest::mouseClick(visor->viewport(), Qt::LeftButton, {}, centroDeFila(visor, n));
+        else if (orden == u"doble")
+            QTest::mouseDClick(visor->viewport(), Qt::LeftButton, {}, centroDeFila(visor, n));
+        else if (orden == u"titulo")
+            QTest::mouseClick(visor->horizontalHeader()->viewport(), Qt::LeftButton, {},
+                              centroDeTitulo(visor, n));
+        else if (orden == u"dobletitulo")
+            QTest::mouseDClick(visor->horizontalHeader()->viewport(), Qt::LeftButton, {},
+                               centroDeTitulo(visor, n));
+        else if (orden == u"tab")
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        else if (orden == u"abajo")
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+        else if (orden == u"enter")
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        else if (orden == u"escape")
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        else if (QPushButton *b = botonTitulado(caja, paso))
+            QTest::mouseClick(b, Qt::LeftButton);
+        else
+            QFAIL(qPrintable(QStringLiteral("paso desconocido: ") + paso));
+        QCoreApplication::processEvents();
+    }
+}
+
+const QString kTitulos = QStringLiteral(";Nombre#12;Teléfono#10;Ciudad#8");
+
+// Three contacts; element 0 of every row and row 0 are not shown.
+QVector<QStringList> contactos()
+{
+    return {
+        {},
+        {QString(), QStringLiteral("A1"), QStringLiteral("Ana"), QStringLiteral("911 000 001"),
+         QStringLiteral("Madrid")},
+        {QString(), QStringLiteral("A2"), QStringLiteral("Berta"), QStringLiteral("933 000 002"),
+         QStringLiteral("Barcelona")},
+        {QString(), QStringLiteral("A3"), QStringLiteral("Carmen"), QStringLiteral("954 000 003"),
+         QStringLiteral("Sevilla")},
+    };
+}
+
+// What the grid shows: the titles, then every data row, cells joined by "|", rows by "/".
+QString textoVisto(VisorRejilla *visor)
+{
+    QAbstractItemModel *m = visor->model();
+    QStringList filas, celdas;
+    for (int c = 0; c < m->columnCount(); ++c)
+        celdas << m->headerData(c, Qt::Horizontal).toString();
+    filas << celdas.join(u'|');
+    for (int r = 0; r < m->rowCount(); ++r) {
+        celdas.clear();
+        for (int c = 0; c < m->columnCount(); ++c)
+            celdas << m->index(r, c).data().toString();
+        filas << celdas.join(u'|');
+    }
+    return filas.join(u'/');
+}
+
+int pixeles(int twips, const QWidget *w)
+{
+    return int(std::lround(twips * w->logicalDpiX() / 1440.0));
+}
+
+} // namespace
+
+class TstMyVisorBox : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase() { QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain)); }
+    void cleanup() { QuitarPantallaSimulada(); }
+
+    void elegir_data()
+    {
+        QTest::addColumn<QString>("columna");
+        QTest::addColumn<QString>("guion");
+        QTest::addColumn<QString>("esperado");
+        QTest::newRow("clic y Aceptar") << "Teléfono" << "fila:2 Aceptar" << "933 000 002";
+        QTest::newRow("otra fila después") << "Nombre" << "fila:1 fila:3 Aceptar" << "Carmen";
+        QTest::newRow("columna por número") << "#3" << "fila:3 Aceptar" << "Sevilla";
+        QTest::newRow("columna oculta por número") << "#0" << "fila:1 Aceptar" << "A1";
+        QTest::newRow("sin columna: la columna 0") << "" << "fila:2 Aceptar" << "A2";
+        QTest::newRow("sin columna ni fila") << "" << "Aceptar" << "";
+        QTest::newRow("Aceptar sin fila") << "Ciudad" << "Aceptar" << "";
+        QTest::newRow("el título no elige") << "Ciudad" << "titulo:2 Aceptar" << "";
+        QTest::newRow("el título no cambia la fila") << "Ciudad" << "fila:1 titulo:2 Aceptar" << "Madrid";
+        QTest::newRow("doble clic confirma") << "Nombre" << "doble:2" << "Berta";
+        QTest::newRow("doble clic sin columna") << "" << "doble:3" << "A3";
+        QTest::newRow("doble clic en el título acepta lo elegido")
+            << "Nombre" << "fila:3 dobletitulo:1" << "Carmen";
+        QTest::newRow("Cancelar tras elegir") << "Nombre" << "fila:2 Cancelar" << "";
+        QTest::newRow("Escape tras elegir") << "Nombre" << "fila:2 escape" << "";
+        QTest::newRow("flecha en la rejilla y Aceptar") << "Nombre" << "tab abajo Aceptar" << "Berta";
+        QTest::newRow("Enter en la rejilla confirma") << "Ciudad" << "tab abajo abajo enter" << "Sevilla";
+        QTest::newRow("Tab sale de la rejilla") << "Nombre" << "fila:1 tab enter" << "Ana";
+    }
+    // A row is chosen by a click or a key and confirmed by "Aceptar", a double click or Enter;
+    // the result is its text in the column asked for.
+    void elegir()
+    {
+        QFETCH(QString, columna);
+        QFETCH(QString, guion);
+        QFETCH(QString, esperado);
+        QString botones, foco;
+        bool abierta = true;
+        alAbrirse([&](QWidget *caja) {
+            botones = titulosVisibles(caja);
+            foco = nombreDelFoco();
+            QPointer<QWidget> vigia(caja);
+            representar(caja, guion);
+            abierta = vigia && vigia->isVisible();
+        });
+        const QString r = MyVisorBox(QStringLiteral("Contactos"), kTitulos, contactos(),
+                                     IconoBuscar, columna);
+        QVERIFY2(!abierta, "el guion no cerró la caja");
+        QCOMPARE(r, esperado);
+        // Picking offers "Aceptar" and "Cancelar" with the focus on "Cancelar"; looking only
+        // offers "Aceptar".
+        QCOMPARE(botones, columna.isEmpty() ? QStringLiteral("Aceptar")
+                                            : QStringLiteral("Aceptar|Cancelar"));
+        QCOMPARE(foco, QStringLiteral("Boton(0)"));
+    }
+
+    void tabla_data()
+    {
+        QTest::addColumn<QString>("titulos");
+        QTest::addColumn<QVector<QStringList>>("matriz");
+        QTest::addColumn<QString>("visto");
+        QTest::addColumn<QList<int>>("anchos"); // twips; 0 hidden
+        QTest::newRow("tres filas") << kTitulos << contactos()
+            << "|Nombre|Teléfono|Ciudad/A1|Ana|911 000 001|Madrid/A2|Berta|933 000 002|Barcelona"
+               "/A3|Carmen|954 000 003|Sevilla"
+            << QList<int>{0, 1440, 1200, 960};
+        QTest::newRow("sin filas de datos") << kTitulos << QVector<QStringList>{{}}
+            << "|Nombre|Teléfono|Ciudad/|||" << QList<int>{0, 1440, 1200, 960};
+        QTest::newRow("matriz vacía") << kTitulos << QVector<QStringList>{}
+            << "|Nombre|Teléfono|Ciudad/|||" << QList<int>{0, 1440, 1200, 960};
+        QTest::newRow("la rejilla limita las columnas")
+            << QStringLiteral("Código#6|Concepto")
+            << QVector<QStringList>{{}, {QStringLiteral("x"), QStringLiteral("01"),
+                                         QStringLiteral("Alta"), QStringLiteral("sobra")}}
+            << "Código|Concepto/01|Alta" << QList<int>{720, 960};
+        QTest::newRow("título ? oculto") << QStringLiteral("?;Fecha#10")
+            << QVector<QStringList>{{}, {{}, QStringLiteral("7"), QStringLiteral("01/02/2009")},
+                                    {{}, QStringLiteral("8"), QStringLiteral("02/02/2009")}}
+            << "?|Fecha/7|01/02/2009/8|02/02/2009" << QList<int>{0, 1200};
+    }
+    // The grid shows the titles, widths and cells given, in place of the message.
+    void tabla()
+    {
+        QFETCH(QString, titulos);
+        QFETCH(QVector<QStringList>, matriz);
+        QFETCH(QString, visto);
+        QFETCH(QList<int>, anchos);
+        QString texto, caption;
+        QList<int> pix, esperados;
+        bool mensaje = true, rejilla = false, muestra = true, icono = false;
+        alAbrirse([&](QWidget *caja) {
+            auto *visor = control<VisorRejilla>(caja, "VisorMini");
+            texto = textoVisto(visor);
+            for (int c = 0; c < visor->model()->columnCount(); ++c) {
+                pix << (visor->isColumnHidden(c) ? 0 : visor->columnWidth(c));
+                esperados << (c < anchos.size() ? pixeles(anchos.at(c), visor) : -1);
+            }
+            caption = caja->windowTitle();
+            mensaje = control(caja, "Mensaje")->isVisible();
+            rejilla = visor->isVisible();
+            muestra = control(caja, "RGBText")->isVisible();
+            icono = !control<QLabel>(caja, "Imagen")->pixmap().isNull();
+            QTest::mouseClick(boton(caja, 0), Qt::LeftButton);
+        });
+        MyVisorBox(QStringLiteral("Consulta"), titulos, matriz, IconoInformacion, QString());
+        QCOMPARE(texto, visto);
+        QCOMPARE(pix, esperados);
+        QCOMPARE(caption, QStringLiteral("Consulta"));
+        QVERIFY(!mensaje);
+        QVERIFY(rejilla);
+        QVERIFY(!muestra);
+        QVERIFY(icono);
+    }
+
+    // A row shorter than the grid is the caller's error: it is raised and no box is shown.
+    void matrizCorta()
+    {
+        QWidget *vista = nullptr;
+        QTimer guardia;
+        guardia.setSingleShot(true);
+        connect(&guardia, &QTimer::timeout, this, [&] {
+            if ((vista = QApplication::activeModalWidget()))
+                vista->close();
+        });
+        guardia.start(0);
+        QVector<QStringList> m = contactos();
+        m[2].removeLast();
+        int numero = 0;
+        try {
+            MyVisorBox(QStringLiteral("x"), kTitulos, m, 1, QStringLiteral("Nombre"));
+        } catch (const ErrorEjecucion &e) {
+            numero = e.numero();
+        }
+        QCOMPARE(numero, int(ErrorEjecucion::SubindiceFueraDeIntervalo));
+        QCoreApplication::processEvents();
+        QVERIFY(!vista);
+    }
+
+    void columnaErronea_data()
+    {
+        QTest::addColumn<QString>("columna");
+        QTest::addColumn<QString>("aviso");
+        QTest::addColumn<QString>("tituloAviso");
+        QTest::addColumn<QString>("esperado");
+        // An unknown title is reported before the box opens and column 0 is used.
+        QTest::newRow("título desconocido") << "Precio"
+            << "No encontrado ninguna columna con el título [Precio]" << "Búsqueda en [VisorMini]"
+            << "A2";
+        QTest::newRow("mayúsculas cuentan") << "nombre"
+            << "No encontrado ninguna columna con el título [nombre]" << "Búsqueda en [VisorMini]"
+            << "A2";
+        // A number beyond the grid fails when a row is chosen; the box stays usable.
+        QTest::newRow("número fuera de la rejilla") << "#9" << "Valor de columna no válido"
+            << "Aplicación de prueba" << "";
+    }
+    void columnaErronea()
+    {
+        QFETCH(QString, columna);
+        QFETCH(QString, aviso);
+        QFETCH(QString, tituloAviso);
+        QFETCH(QString, esperado);
+        ServiciosGrabados registro;
+        alAbrirse([&](QWidget *caja) { representar(caja, QStringLiteral("fila:2 Aceptar")); });
+        const QString r = MyVisorBox(QStringLiteral("x"), kTitulos, contactos(), 1, columna);
+        QCOMPARE(registro.mensajes.size(), 1);
+        QCOMPARE(registro.mensajes.at(0).texto, aviso);
+        QCOMPARE(registro.mensajes.at(0).titulo, tituloAviso);
+        QCOMPARE(registro.mensajes.at(0).botones & Critico, int(Critico));
+        QCOMPARE(r, esperado);
+    }
+
+    void colores_data()
+    {
+        QTest::addColumn<bool>("aceptar");
+        QTest::addColumn<QColor>("elegido");
+        QTest::addColumn<QString>("campo");
+        QTest::addColumn<QColor>("muestra");
+        // The number is red + 256 green + 65536 blue.
+        QTest::newRow("aceptado") << true << QColor(10, 20, 30) << "1971210" << QColor(10, 20, 30);
+        QTest::newRow("blanco") << true << QColor(255, 255, 255) << "16777215" << QColor(255, 255, 255);
+        QTest::newRow("solo rojo") << true << QColor(255, 0, 0) << "255" << QColor(255, 0, 0);
+        QTest::newRow("cancelado") << false << QColor(10, 20, 30) << "previo" << QColor(200, 100, 50);
+    }
+    // A click on the colour swatch opens the colour dialog at the swatch's colour.
+    void colores()
+    {
+        QFETCH(bool, aceptar);
+        QFETCH(QColor, elegido);
+        QFETCH(QString, campo);
+        QFETCH(QColor, muestra);
+        QString nombreDialogo, textoCampo;
+        QColor inicial, final;
+        QPoint antes, despues;
+        bool cajaAbierta = false;
+        alAbrirse([&](QWidget *caja) {
+            auto *rgb = control<QLabel>(caja, "RGBText");
+            rgb->show();
+            QPalette p = rgb->palette();
+            p.setColor(QPalette::Window, QColor(200, 100, 50));
+            rgb->setPalette(p);
+            control<QLineEdit>(caja, "CampoTexto")->setText(QStringLiteral("previo"));
+            antes = caja->pos();
+            QTimer::singleShot(0, qApp, [&] {
+                auto *dlg = qobject_cast<QColorDialog *>(QApplication::activeModalWidget());
+                if (!dlg)
+                    return;
+                nombreDialogo = dlg->objectName();
+                inicial = dlg->currentColor();
+                dlg->setCurrentColor(elegido);
+                if (aceptar)
+                    dlg->accept();
+                else
+                    dlg->reject();
+            });
+            QTest::mouseClick(rgb, Qt::LeftButton);
+            QCoreApplication::processEvents();
+            despues = caja->pos();
+            textoCampo = control<QLineEdit>(caja, "CampoTexto")->text();
+            final = rgb->palette().color(QPalette::Window);
+            cajaAbierta = caja->isVisible();
+            QTest::mouseClick(boton(caja, 0), Qt::LeftButton);
+        });
+        MyVisorBox(QStringLiteral("Colores"), kTitulos, contactos(), 1, QString());
+        QCOMPARE(nombreDialogo, QStringLiteral("dlgColores"));
+        QCOMPARE(inicial, QColor(200, 100, 50));
+        QCOMPARE(textoCampo, campo);
+        QCOMPARE(final, muestra);
+        QVERIFY(cajaAbierta);
+        QCOMPARE(despues, antes); // the swatch's press does not drag the box
+    }
+
+    void posiciones_data()
+    {
+        QTest::addColumn<float>("top");
+        QTest::addColumn<float>("left");
+        QTest::addColumn<double>("dpi");
+        QTest::addColumn<bool>("sobreVentana");
+        QTest::addColumn<QPoint>("esperada"); // -1: centred on the screen
+        QTest::newRow("centrada") << -1.0f << -1.0f << 96.0 << false << QPoint(-1, -1);
+        QTest::newRow("solo horizontal centrada") << 3000.0f << -1.0f << 96.0 << false << QPoint(-1, 200);
+        QTest::newRow("en twips a 96 ppp") << 450.0f << 300.0f << 96.0 << false << QPoint(20, 30);
+        QTest::newRow("en twips a 120 ppp") << 1440.0f << 720.0f << 120.0 << false << QPoint(60, 120);
+        QTest::newRow("sobre la ventana") << 450.0f << 300.0f << 96.0 << true << QPoint();
+    }
+    // Top and Left in twips at the screen's dpi, centred on the screen, or over a window.
+    void posiciones()
+    {
+        QFETCH(float, top);
+        QFETCH(float, left);
+        QFETCH(double, dpi);
+        QFETCH(bool, sobreVentana);
+        QFETCH(QPoint, esperada);
+        const QRect pantalla = QGuiApplication::primaryScreen()->geometry();
+        SimularPantalla(QGuiApplication::primaryScreen()->availableGeometry(), dpi, dpi);
+        QWidget anfitrion;
+        anfitrion.setGeometry(40, 50, 700, 500);
+        if (sobreVentana) {
+            anfitrion.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&anfitrion));
+            const QRect f = anfitrion.frameGeometry();
+            esperada = QPoint(f.x() + (f.width() - 496) / 2, f.y() + (f.height() - 140) / 2);
+        }
+        if (esperada.x() == -1)
+            esperada.setX(pantalla.x() + (pantalla.width() - 496) / 2);
+        if (esperada.y() == -1)
+            esperada.setY(pantalla.y() + (pantalla.height() - 140) / 2);
+        QRect vista;
+        alAbrirse([&](QWidget *caja) {
+            vista = caja->frameGeometry();
+            representar(caja, QStringLiteral("fila:1 Aceptar"));
+        });
+        const QString r = MyVisorBox(QStringLiteral("x"), kTitulos, contactos(), 1,
+                                     QStringLiteral("Nombre"), top, left,
+                                     sobreVentana ? &anfitrion : nullptr);
+        QCOMPARE(r, QStringLiteral("Ana"));
+        QCOMPARE(vista.size(), QSize(496, 140));
+        QVERIFY2(qAbs(vista.x() - esperada.x()) <= 1 && qAbs(vista.y() - esperada.y()) <= 1,
+                 qPrintable(QStringLiteral("(%1, %2) en lugar de (%3, %4)")
+                                .arg(vista.x()).arg(vista.y()).arg(esperada.x()).arg(esperada.y())));
+    }
+};
+
+QTEST_MAIN(TstMyVisorBox)
+#include "tst_myvisorbox.moc"
