@@ -289,6 +289,8 @@ void MyBox::PrepararVisor(const QString &Titulos, const QVector<QStringList> &Ma
         throw;
     }
     rejilla.PonerRedraw(redraw);
+    // No row shows as chosen until the user chooses one.
+    ui->VisorMini->clearSelection();
     ui->VisorMini->show();
 }
 
