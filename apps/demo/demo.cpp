@@ -4,7 +4,10 @@
 
 #include <QCheckBox>
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
+#include <QStandardPaths>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -163,6 +166,23 @@ Demo::Demo(QWidget *parent)
         }
         ayuda.exec();
     });
+    auto *visor = new QPushButton(QStringLiteral("Elegir un cliente"), cajas);
+    visor->setObjectName(QStringLiteral("cmdVisor"));
+    connect(visor, &QPushButton::clicked, this, [this, resultado] {
+        // Row and column 0 of the matrix are not shown: the data starts at (1, 1).
+        const QVector<QStringList> clientes = {
+            {},
+            {QString(), QStringLiteral("430001"), QStringLiteral("Ferretería Ibáñez"), QStringLiteral("Zaragoza"), QStringLiteral("1.250,00")},
+            {QString(), QStringLiteral("430002"), QStringLiteral("Construcciones Muñoz"), QStringLiteral("León"), QStringLiteral("98,40")},
+            {QString(), QStringLiteral("430003"), QStringLiteral("Librería Cervantes"), QStringLiteral("Alcalá"), QStringLiteral("12.003,75")},
+            {QString(), QStringLiteral("430004"), QStringLiteral("Talleres Peñalver"), QStringLiteral("Cádiz"), QStringLiteral("0,00")},
+        };
+        const QString r = kvr::MyVisorBox(QStringLiteral("Clientes"),
+                                          QStringLiteral("Código#7;Nombre#24;Ciudad#10;Saldo#10>"), clientes, 10,
+                                          QStringLiteral("Nombre"), -1, -1, this);
+        resultado->setText(QStringLiteral("Resultado: «%1»").arg(r));
+    });
+    filaOtras->addWidget(visor);
     filaOtras->addWidget(rango);
     filaOtras->addWidget(lista);
     filaOtras->addWidget(ayudaBoton);
@@ -171,6 +191,21 @@ Demo::Demo(QWidget *parent)
 
     auto *botones = new QHBoxLayout;
     raiz->addLayout(botones);
+    auto *tabla = new QPushButton(QStringLiteral("Editor de tablas"), this);
+    tabla->setObjectName(QStringLiteral("cmdTabla"));
+    connect(tabla, &QPushButton::clicked, this, [this] {
+        // The sample table is copied once to the user's data folder, so that it can be saved.
+        const QString carpeta = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+        QDir().mkpath(carpeta);
+        const QString fichero = carpeta + QStringLiteral("/provincias.txt");
+        if (!QFileInfo::exists(fichero))
+            QFile::copy(datos(QStringLiteral("provincias.txt")), fichero);
+        QFile(fichero).setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        auto *editor = new kvr::frmTablas;
+        editor->Dimensionar(this, fichero, QStringLiteral("Provincia#25"), QStringLiteral("T(M) L(25) A(I)"), true);
+        editor->show();
+    });
+    botones->addWidget(tabla);
     auto *calculadora = new QPushButton(QStringLiteral("Calculadora (F4)"), this);
     calculadora->setObjectName(QStringLiteral("cmdCalculadora"));
     connect(calculadora, &QPushButton::clicked, this, [] { kvr::MostrarVentana(QStringLiteral("MiCalc")); });
