@@ -47,7 +47,7 @@ fuzz() {
   local tmp
   tmp=$(mktemp -d)
   for f in build/fuzz/fuzz/fuzz_*; do
-    [ -f "$f" ] && [ -x "$f" ] || continue
+    if [ ! -f "$f" ] || [ ! -x "$f" ]; then continue; fi
     local nombre corpus
     nombre=$(basename "$f")
     corpus="$tmp/$nombre"
@@ -84,7 +84,9 @@ case "$caso" in
   bench)
     preparar
     compilar
-    for b in build/default/bench/bench_*; do [ -f "$b" ] && [ -x "$b" ] && "$b"; done
+    for b in build/default/bench/bench_*; do
+      if [ -f "$b" ] && [ -x "$b" ]; then "$b"; fi
+    done
     ;;
   *)
     echo "uso: $0 demo | test | build | bench" >&2
