@@ -37,6 +37,7 @@ private Q_SLOTS:
             // "D" reads the shown texts with "." as the decimal point, unconverted.
             fila("D rellenos") << "T(D) L(4) A(D) (/)" << "   9" << "  10" << true;
             fila("D con coma") << "T(D) L(6) A(D) (/)" << "1,5" << "1,2" << true;
+            fila("D al revés por valor, no por texto") << "T(D) L(4) A(D) (/)" << "  12" << "   3" << false;
             fila("texto b a") << "T(M) L(5) A(I) (/)" << "b" << "a" << false;
             fila("texto A a") << "T(M) L(5) A(I) (/)" << "A" << "a" << true;
             fila("texto por códigos") << "T(m) L(5) A(I) (/)" << "Z" << "Á" << true;

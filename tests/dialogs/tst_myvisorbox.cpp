@@ -2,54 +2,26 @@
 // from a queued callback once the box is up; what the callback sees is checked after the call
 // has returned.
 #include <kvr/error.h>
-#include <kvr/layout.h>
 #include <kvr/mybox.h>
 #include <kvr/visorrejilla.h>
 
+#include "comun/pruebas.h"
 #include "registro.h"
 
-#include <QApplication>
 #include <QColorDialog>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScreen>
-#include <QTimer>
-#include <QtTest>
 
 #include <cmath>
-#include <functional>
 
 using namespace kvr;
 
+using namespace prueba;
+
 namespace {
 
-// Runs `accion` on the modal box once it is shown and active. A box left open is closed after a
-// few seconds, so that a failing test fails instead of hanging.
-void alAbrirse(std::function<void(QWidget *)> accion)
-{
-    QTimer::singleShot(0, qApp, [accion] {
-        QWidget *caja = QApplication::activeModalWidget();
-        QVERIFY(caja);
-        QVERIFY(QTest::qWaitForWindowActive(caja));
-        QPointer<QWidget> vigia(caja);
-        QTimer::singleShot(5000, qApp, [vigia] {
-            if (vigia && vigia->isVisible())
-                vigia->close();
-        });
-        accion(caja);
-    });
-}
-
-template <typename T = QWidget> T *control(QWidget *caja, const char *nombre)
-{
-    return caja->findChild<T *>(QLatin1String(nombre));
-}
-QPushButton *boton(QWidget *caja, int i)
-{
-    return caja->findChild<QPushButton *>(QStringLiteral("Boton(%1)").arg(i));
-}
 QPushButton *botonTitulado(QWidget *caja, const QString &titulo)
 {
     for (int i = 0; i < 3; ++i) {
@@ -58,21 +30,6 @@ QPushButton *botonTitulado(QWidget *caja, const QString &titulo)
     }
     return nullptr;
 }
-QString titulosVisibles(QWidget *caja)
-{
-    QStringList t;
-    for (int i = 2; i >= 0; --i) {
-        if (boton(caja, i)->isVisible())
-            t << boton(caja, i)->text();
-    }
-    return t.join(u'|');
-}
-QString nombreDelFoco()
-{
-    QWidget *f = QApplication::focusWidget();
-    return f ? f->objectName() : QString();
-}
-
 // The middle of a data row's cell in the first visible column, in viewport coordinates.
 QPoint centroDeFila(VisorRejilla *visor, int fila)
 {
@@ -172,7 +129,6 @@ class TstMyVisorBox : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase() { QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain)); }
-    void cleanup() { QuitarPantallaSimulada(); }
 
     void elegir_data()
     {
@@ -394,56 +350,6 @@ private Q_SLOTS:
         QCOMPARE(final, muestra);
         QVERIFY(cajaAbierta);
         QCOMPARE(despues, antes); // the swatch's press does not drag the box
-    }
-
-    void posiciones_data()
-    {
-        QTest::addColumn<float>("top");
-        QTest::addColumn<float>("left");
-        QTest::addColumn<double>("dpi");
-        QTest::addColumn<bool>("sobreVentana");
-        QTest::addColumn<QPoint>("esperada"); // -1: centred on the screen
-        QTest::newRow("centrada") << -1.0f << -1.0f << 96.0 << false << QPoint(-1, -1);
-        QTest::newRow("solo horizontal centrada") << 3000.0f << -1.0f << 96.0 << false << QPoint(-1, 200);
-        QTest::newRow("en twips a 96 ppp") << 450.0f << 300.0f << 96.0 << false << QPoint(20, 30);
-        QTest::newRow("en twips a 120 ppp") << 1440.0f << 720.0f << 120.0 << false << QPoint(60, 120);
-        QTest::newRow("sobre la ventana") << 450.0f << 300.0f << 96.0 << true << QPoint();
-    }
-    // Top and Left in twips at the screen's dpi, centred on the screen, or over a window.
-    void posiciones()
-    {
-        QFETCH(float, top);
-        QFETCH(float, left);
-        QFETCH(double, dpi);
-        QFETCH(bool, sobreVentana);
-        QFETCH(QPoint, esperada);
-        const QRect pantalla = QGuiApplication::primaryScreen()->geometry();
-        SimularPantalla(QGuiApplication::primaryScreen()->availableGeometry(), dpi, dpi);
-        QWidget anfitrion;
-        anfitrion.setGeometry(40, 50, 700, 500);
-        if (sobreVentana) {
-            anfitrion.show();
-            QVERIFY(QTest::qWaitForWindowExposed(&anfitrion));
-            const QRect f = anfitrion.frameGeometry();
-            esperada = QPoint(f.x() + (f.width() - 496) / 2, f.y() + (f.height() - 140) / 2);
-        }
-        if (esperada.x() == -1)
-            esperada.setX(pantalla.x() + (pantalla.width() - 496) / 2);
-        if (esperada.y() == -1)
-            esperada.setY(pantalla.y() + (pantalla.height() - 140) / 2);
-        QRect vista;
-        alAbrirse([&](QWidget *caja) {
-            vista = caja->frameGeometry();
-            representar(caja, QStringLiteral("fila:1 Aceptar"));
-        });
-        const QString r = MyVisorBox(QStringLiteral("x"), kTitulos, contactos(), 1,
-                                     QStringLiteral("Nombre"), top, left,
-                                     sobreVentana ? &anfitrion : nullptr);
-        QCOMPARE(r, QStringLiteral("Ana"));
-        QCOMPARE(vista.size(), QSize(496, 140));
-        QVERIFY2(qAbs(vista.x() - esperada.x()) <= 1 && qAbs(vista.y() - esperada.y()) <= 1,
-                 qPrintable(QStringLiteral("(%1, %2) en lugar de (%3, %4)")
-                                .arg(vista.x()).arg(vista.y()).arg(esperada.x()).arg(esperada.y())));
     }
 };
 

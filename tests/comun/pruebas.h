@@ -1,0 +1,68 @@
+#pragma once
+// Helpers shared by the window suites: controls by name, the focused control, clicks, a modal
+// box answered from a queued callback.
+#include "comun/ficheros.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QPushButton>
+#include <QTimer>
+#include <QtTest>
+
+#include <functional>
+
+namespace prueba {
+
+template <typename T = QWidget> T *control(const QWidget *w, QAnyStringView nombre)
+{
+    return w->findChild<T *>(nombre.toString());
+}
+
+// A box's button "Boton(i)"; the captions of the visible ones from left to right, "|" between.
+inline QPushButton *boton(const QWidget *caja, int i)
+{
+    return caja->findChild<QPushButton *>(QStringLiteral("Boton(%1)").arg(i));
+}
+inline QString titulosVisibles(const QWidget *caja)
+{
+    QStringList t;
+    for (int i = 2; i >= 0; --i)
+        if (boton(caja, i)->isVisible())
+            t << boton(caja, i)->text();
+    return t.join(u'|');
+}
+
+inline QString nombreDelFoco()
+{
+    QWidget *f = QApplication::focusWidget();
+    return f ? f->objectName() : QString();
+}
+
+inline void pulsar(QWidget *w)
+{
+    QTest::mouseClick(w, Qt::LeftButton);
+    QCoreApplication::processEvents();
+}
+
+// Runs `accion` on the next modal window once it is shown and active, the application's focus
+// in it. What the action sees is to be recorded and checked after the modal call returns. A
+// window the action leaves open is closed after five seconds, so that a failing test fails
+// instead of hanging.
+inline void alAbrirse(std::function<void(QWidget *)> accion)
+{
+    QTimer::singleShot(0, qApp, [accion] {
+        QWidget *caja = QApplication::activeModalWidget();
+        if (!caja || !QTest::qWaitForWindowActive(caja))
+            return;
+        // The window system reports the box active a little before the application does.
+        (void)QTest::qWaitFor([caja] { return QApplication::activeWindow() == caja; }, 1000);
+        QPointer<QWidget> vigia(caja);
+        QTimer::singleShot(5000, qApp, [vigia] {
+            if (vigia && vigia->isVisible())
+                vigia->close();
+        });
+        accion(caja);
+    });
+}
+
+} // namespace prueba
