@@ -1,4 +1,5 @@
 // The calculator window offscreen: real clicks, real key events, the real clipboard.
+#include "comun/pruebas.h"
 #include "registro.h"
 
 #include <kvr/micalc.h>
@@ -9,20 +10,15 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QtTest>
 
 using namespace kvr;
+using prueba::control;
 
 namespace {
 
 QPushButton *tecla(QWidget *calc, int i)
 {
     return calc->findChild<QPushButton *>(QStringLiteral("tecla(%1)").arg(i));
-}
-
-template <typename T> T *control(QWidget *calc, const char *nombre)
-{
-    return calc->findChild<T *>(QString::fromLatin1(nombre));
 }
 
 MiCalc *abrir()
@@ -111,10 +107,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("pantalla");
         QTest::newRow("suma con Intro") << u"5+3="_qs << u"5+3\r"_qs << u"8.00 ="_qs;
         QTest::newRow("retroceso") << u"12<"_qs << u"12\b"_qs << u"1.00  "_qs;
-        QTest::newRow("por ciento") << u"200+10%"_qs << u"200+10%"_qs << u"220.00 ="_qs;
         QTest::newRow("p minúscula") << u"1P"_qs << u"1p"_qs << u"166.39 P"_qs;
-        QTest::newRow("P mayúscula") << u"1P"_qs << u"1P"_qs << u"166.39 P"_qs;
-        QTest::newRow("s cambia signo") << u"2.5S"_qs << u"2.5s"_qs << u"-2.50  "_qs;
         QTest::newRow("c borra") << u"5+3=C"_qs << u"5+3=c"_qs << u"0.00  "_qs;
         QTest::newRow("impuesto i") << u"121I21="_qs << u"121i21="_qs << u"21.00 ="_qs;
         QTest::newRow("letras sin tecla") << u"7"_qs << u"7xdz"_qs << u"7.00  "_qs;
@@ -160,11 +153,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("entrada");
         QTest::addColumn<QString>("pantalla");
         QTest::addColumn<QString>("papel");
-        QTest::newRow("coma decimal") << u""_qs << u"1.234,56"_qs << u"1234.56"_qs << u"1,234.56  "_qs << u""_qs;
-        QTest::newRow("punto decimal") << u""_qs << u"1234.56"_qs << u"1234.56"_qs << u"1,234.56  "_qs << u""_qs;
-        QTest::newRow("letras actúan") << u"5+"_qs << u"c12"_qs << u"12"_qs << u"12.00  "_qs << u""_qs;
+        QTest::addColumn<bool>("botonDerecho"); // on the display, else the "Pegar" button
+        QTest::newRow("coma decimal") << u""_qs << u"1.234,56"_qs << u"1234.56"_qs << u"1,234.56  "_qs << u""_qs << false;
+        QTest::newRow("letras actúan") << u"5+"_qs << u"c12"_qs << u"12"_qs << u"12.00  "_qs << u""_qs << false;
         QTest::newRow("operación entera") << u""_qs << u"2*3="_qs << u""_qs << u"6.00 ="_qs
-                                          << u"2.00 *\n3.00 =\n6.00 =\n"_qs;
+                                          << u"2.00 *\n3.00 =\n6.00 =\n"_qs << false;
+        QTest::newRow("botón derecho en la pantalla") << u""_qs << u"42"_qs << u"42"_qs << u"42.00  "_qs << u""_qs << true;
     }
     void pegar()
     {
@@ -173,25 +167,18 @@ private Q_SLOTS:
         QFETCH(QString, entrada);
         QFETCH(QString, pantalla);
         QFETCH(QString, papel);
+        QFETCH(bool, botonDerecho);
         QPointer<MiCalc> calc = abrir();
         teclear(calc, previo);
         QGuiApplication::clipboard()->setText(portapapeles);
-        QTest::mouseClick(control<QPushButton>(calc, "Pegar"), Qt::LeftButton);
+        if (botonDerecho)
+            QTest::mouseClick(control<QLabel>(calc, "Pantalla"), Qt::RightButton);
+        else
+            QTest::mouseClick(control<QPushButton>(calc, "Pegar"), Qt::LeftButton);
         QCoreApplication::processEvents();
         QCOMPARE(calc->Motor().Entrada, entrada);
         QCOMPARE(control<QLabel>(calc, "Pantalla")->text(), pantalla);
         QCOMPARE(control<QPlainTextEdit>(calc, "Papel")->toPlainText(), papel);
-        cerrar(calc);
-    }
-
-    // Any button but the left one on the display pastes.
-    void pegarConBotonDerecho()
-    {
-        QPointer<MiCalc> calc = abrir();
-        QGuiApplication::clipboard()->setText(u"42"_qs);
-        QTest::mouseClick(control<QLabel>(calc, "Pantalla"), Qt::RightButton);
-        QCoreApplication::processEvents();
-        QCOMPARE(control<QLabel>(calc, "Pantalla")->text(), u"42.00  "_qs);
         cerrar(calc);
     }
 
