@@ -3,6 +3,8 @@
 #include <kvr/comunes.h>
 #include <kvr/error.h>
 
+#include "comun/ficheros.h"
+
 #include <QDir>
 #include <QFile>
 #include <QProcess>
@@ -11,6 +13,7 @@
 #include <QTest>
 
 using namespace kvr;
+using namespace prueba;
 
 namespace {
 
@@ -34,21 +37,6 @@ QByteArray iconv(const QStringList &args, const QByteArray &entrada, bool *ok)
     p.closeWriteChannel();
     *ok = p.waitForFinished() && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
     return p.readAllStandardOutput();
-}
-
-QStringList L(std::initializer_list<const char *> textos)
-{
-    QStringList r;
-    for (const char *t : textos)
-        r << QString::fromUtf8(t);
-    return r;
-}
-
-void escribir(const QString &ruta, const QByteArray &contenido)
-{
-    QFile f(ruta);
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    f.write(contenido);
 }
 
 } // namespace

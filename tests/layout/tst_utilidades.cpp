@@ -2,6 +2,8 @@
 // back, filling drop-down lists and the mouse-wheel redirection.
 #include <kvr/utilidades.h>
 
+#include "comun/ficheros.h"
+
 #include <QApplication>
 #include <QComboBox>
 #include <QFile>
@@ -13,6 +15,7 @@
 #include <QTest>
 
 using namespace kvr;
+using prueba::L;
 
 namespace {
 
@@ -46,14 +49,6 @@ public:
 protected:
     void keyReleaseEvent(QKeyEvent *e) override { TeclasGlobales(e, this); }
 };
-
-QStringList L(std::initializer_list<const char *> textos)
-{
-    QStringList r;
-    for (const char *t : textos)
-        r << QString::fromUtf8(t);
-    return r;
-}
 
 QStringList entradas(const QComboBox &c)
 {
@@ -140,8 +135,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("ventana");
         QTest::addColumn<QStringList>("abiertas");
         QTest::newRow("F4 desde un formulario") << 115 << "frmFacturas" << L({"MiCalc"});
-        QTest::newRow("F4 desde la calculadora") << 115 << "MiCalc" << QStringList();
-        QTest::newRow("F8 desde la calculadora") << 119 << "MiCalc" << L({"Telefonos"});
         QTest::newRow("F5 nada") << 116 << "frmFacturas" << QStringList();
     }
     void teclasGlobales()
@@ -195,10 +188,7 @@ private Q_SLOTS:
     {
         QTemporaryDir dir;
         const QString ruta = dir.filePath(QStringLiteral("provincias.txt"));
-        QFile f(ruta);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write("Álava\r\nCádiz\r\nLeón\r\n");
-        f.close();
+        prueba::escribir(ruta, "Álava\r\nCádiz\r\nLeón\r\n");
         QComboBox c;
         c.addItems(L({"viejo1", "viejo2"}));
         LlenarCombo(QLatin1Char('@') + ruta, &c);
