@@ -11,9 +11,9 @@
 #include <kvr/utilidades.h>
 #include <kvr/visorrejilla.h>
 
+#include "comun/pruebas.h"
 #include "registro.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QFrame>
 #include <QHeaderView>
@@ -22,12 +22,9 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTemporaryDir>
-#include <QTimer>
-#include <QtTest>
-
-#include <functional>
 
 using namespace kvr;
+using namespace prueba;
 
 namespace {
 
@@ -44,56 +41,25 @@ struct Caja {
     bool icono = false;
 };
 
-// Answers the next modal box by clicking its button `nombre` (empty: Escape).
+// Answers the next modal box by clicking its button `nombre` (empty: Escape), recording it.
 void responder(Caja &caja, const QString &nombre, QWidget *sobre)
 {
-    QTimer::singleShot(0, qApp, [&caja, nombre, sobre] {
-        QWidget *m = QApplication::activeModalWidget();
-        if (!m || !QTest::qWaitForWindowActive(m))
-            return;
-        QPointer<QWidget> vigia(m);
-        QTimer::singleShot(5000, qApp, [vigia] {
-            if (vigia && vigia->isVisible())
-                vigia->close();
-        });
+    alAbrirse([&caja, nombre, sobre](QWidget *m) {
         caja.vista = true;
-        caja.mensaje = m->findChild<QLabel *>(u"Mensaje"_qs)->text();
+        caja.mensaje = control<QLabel>(m, "Mensaje")->text();
         caja.titulo = m->windowTitle();
-        // The window system reports the box active a little before the application does.
-        QTest::qWaitFor([m] { return QApplication::activeWindow() == m; }, 1000);
-        caja.foco = QApplication::focusWidget() ? QApplication::focusWidget()->objectName() : QString();
-        for (int i = 2; i >= 0; --i) {
-            auto *b = m->findChild<QPushButton *>(u"Boton(%1)"_qs.arg(i));
-            if (b && b->isVisible())
-                caja.botones.append(b->text());
-        }
+        caja.foco = nombreDelFoco();
+        caja.botones = titulosVisibles(m).split(u'|');
         const QPoint d = m->frameGeometry().center() - sobre->frameGeometry().center();
         caja.centrada = d.manhattanLength() <= 4;
-        const QImage dibujo = m->findChild<QLabel *>(u"Imagen"_qs)->pixmap().toImage();
+        const QImage dibujo = control<QLabel>(m, "Imagen")->pixmap().toImage();
         caja.icono = dibujo.convertToFormat(QImage::Format_ARGB32)
             == MyBox::NIconos(IconoAdvertencia).toImage().convertToFormat(QImage::Format_ARGB32);
         if (nombre.isEmpty())
             QTest::keyClick(m, Qt::Key_Escape);
         else
-            QTest::mouseClick(m->findChild<QPushButton *>(nombre), Qt::LeftButton);
+            QTest::mouseClick(control<QPushButton>(m, nombre), Qt::LeftButton);
     });
-}
-
-template <typename T = QWidget> T *control(QWidget *w, const QString &nombre)
-{
-    return w->findChild<T *>(nombre);
-}
-
-QString nombreDelFoco()
-{
-    QWidget *f = QApplication::focusWidget();
-    return f ? f->objectName() : QString();
-}
-
-QByteArray leer(const QString &ruta)
-{
-    QFile f(ruta);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<no se pudo leer>");
 }
 
 QStringList elementos(frmTablas *t)
@@ -115,7 +81,7 @@ void clicFila(frmTablas *t, int fila)
 
 void clic(frmTablas *t, const char *boton)
 {
-    QTest::mouseClick(control<QPushButton>(t, QLatin1String(boton)), Qt::LeftButton);
+    QTest::mouseClick(control<QPushButton>(t, boton), Qt::LeftButton);
 }
 
 } // namespace
@@ -136,7 +102,7 @@ class TstFrmTablas : public QObject {
             qWarning("la ventana no se activó");
         return m_t;
     }
-    QLineEdit *elemento() { return control<QLineEdit>(m_t, u"Elemento"_qs); }
+    QLineEdit *elemento() { return control<QLineEdit>(m_t, "Elemento"); }
 
 private Q_SLOTS:
     void initTestCase()
@@ -148,9 +114,7 @@ private Q_SLOTS:
     {
         FactorX = FactorY = 0.0f;
         QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
-        QFile f(m_tabla);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(provincias);
+        escribir(m_tabla, provincias);
     }
     void cleanup()
     {
@@ -186,22 +150,22 @@ private Q_SLOTS:
         QCOMPARE(m_t->height(), alto);
 
         VisorRejilla *v = m_t->VisorTabla();
-        auto *salir = control(m_t, u"cmdSalir"_qs);
-        auto *grabar = control(m_t, u"cmdGrabar"_qs);
-        auto *aceptar = control(m_t, u"cmdAceptar"_qs);
+        auto *salir = control(m_t, "cmdSalir");
+        auto *grabar = control(m_t, "cmdGrabar");
+        auto *aceptar = control(m_t, "cmdAceptar");
         const auto px = [&](int twips) { return int(std::lround(twips * v->logicalDpiX() / 1440.0)); };
         if (anchoVisorTwips > 0)
             QCOMPARE(v->width(), px(anchoVisorTwips));
         else
             QVERIFY(aceptar->geometry().right() < grabar->x() && grabar->geometry().right() < salir->x());
         QCOMPARE(m_t->width(), v->width() + px(300));
-        QCOMPARE(control(m_t, u"Marco"_qs)->width(), m_t->width() - px(160));
+        QCOMPARE(control(m_t, "Marco")->width(), m_t->width() - px(160));
         QCOMPARE(elemento()->width(), v->width());
         QCOMPARE(salir->x(), v->width() - salir->width() + px(60));
         QCOMPARE(grabar->x(), elemento()->x() + (elemento()->width() - grabar->width()) / 2);
         // Every control stays inside the window.
         for (const char *n : {"VisorTabla", "Elemento", "Marco", "cmdAceptar", "cmdGrabar", "cmdSalir"})
-            QVERIFY2(m_t->rect().contains(control(m_t, QLatin1String(n))->geometry()), n);
+            QVERIFY2(m_t->rect().contains(control(m_t, n)->geometry()), n);
     }
 
     // Choosing row 3 puts it in the field without marking the table; the first key does.
@@ -294,10 +258,7 @@ private Q_SLOTS:
         QFETCH(QString, tag);
         QFETCH(QByteArray, disco);
         QFETCH(QString, editando);
-        QFile f(m_tabla);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(disco);
-        f.close();
+        escribir(m_tabla, disco);
         abrir(m_tabla, true, tag);
         QCOMPARE(TagDe(elemento()), tag);
         clicFila(m_t, 1);
@@ -403,7 +364,6 @@ private Q_SLOTS:
         clic(m_t, "cmdGrabar");
         QCOMPARE(s.entradas.size(), 2);
         QCOMPARE(s.entradas[1].pregunta, u"Path y Nombre del fichero a REGRABAR"_qs);
-        QCOMPARE(s.entradas[1].titulo, u"Editor de Tablas de PQD"_qs);
         // At the grid's corner on the screen.
         const QPoint esquina = m_t->VisorTabla()->mapToGlobal(QPoint(0, 0));
         QCOMPARE(s.entradas[1].xTwips, int(std::lround(esquina.x() * 1440.0 / m_t->logicalDpiX())));
