@@ -192,8 +192,10 @@ private:
     uint32_t nuevaRanura();
     void liberarRanura(uint32_t r);
     void ajustarActual();
-    void ordenarClaves(const std::vector<char> &claves, const std::vector<uint32_t> &inicios,
-                       bool descendente, const std::vector<uint32_t> *posiciones = nullptr);
+    // Sorts the rows below the fixed ones by their keys (claves[inicios[k]..inicios[k+1]) is
+    // the key of the row at position posiciones[k]); works on the buffers it is given.
+    void ordenarClaves(std::vector<char> &claves, std::vector<uint32_t> &inicios, bool descendente,
+                       std::vector<uint32_t> &posiciones);
 
     // Announcing changes (nothing while Redraw is false, only a pending reset).
     bool avisar();
