@@ -44,6 +44,46 @@ struct Registro : OyenteRejilla {
     }
 };
 
+
+// Deterministic generator (64-bit LCG), so every run builds the same large grids.
+struct Azar {
+    quint64 estado = 0x9E3779B97F4A7C15ULL;
+    int operator()(int tope)
+    {
+        estado = estado * 6364136223846793005ULL + 1442695040888963407ULL;
+        return int((estado >> 33) % quint64(tope));
+    }
+};
+
+// Key texts for the large sorts: many repeated keys longer than 16 bytes that share long
+// beginnings, accents and capitals, empty cells, numbers, and characters beyond Latin-1 (whose
+// key bytes hold zeros).
+QString claveGrande(const QString &clase, Azar &azar)
+{
+    static const QStringList apellidos{u"García"_qs, u"Garrido"_qs, u"González"_qs, u"Gómez"_qs,
+                                       u"Martínez"_qs, u"Martín"_qs, u"Muñoz"_qs, u"Núñez"_qs};
+    static const QStringList nombres{u"Ana"_qs, u"Ángel"_qs, u"María José"_qs, u"María"_qs,
+                                     u"Íñigo"_qs, u"ana"_qs};
+    if (clase == u"iguales")
+        return u"Martínez Fernández de la Torre, María José"_qs;
+    if (clase == u"nombres") {
+        QString t = apellidos[azar(8)] + u' ' + apellidos[azar(8)] + u", "_qs + nombres[azar(6)];
+        return azar(4) == 0 ? t.toUpper() : t;
+    }
+    if (clase == u"cortas")
+        return azar(3) == 0 ? QString() : QString(QChar(u'a' + azar(3)));
+    if (clase == u"mezcla") {
+        switch (azar(5)) {
+        case 0: return QString();
+        case 1: return QString::number(azar(200) - 100);
+        case 2: return u"%1,%2"_qs.arg(azar(50)).arg(azar(100));
+        case 3: return u"Ω%1 €"_qs.arg(azar(3)) + QString(QChar(0x4E00 + azar(3)));
+        default: return apellidos[azar(8)].left(1 + azar(6));
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 class TstRejilla : public QObject {
@@ -95,6 +135,79 @@ private Q_SLOTS:
             vistos << r.TextMatrix(f, 1);
         QCOMPARE(vistos.join(u','), orden);
         QCOMPARE(r.Col(), 0); // the sort moves rows, not the current cell
+    }
+
+    // Large sorts go through passes that a handful of rows never reach. Each is checked against
+    // the sort of two rows alone: every pair of neighbours in the result, sorted by itself from
+    // the order it had before, must come out in the same order; and every row must be there once.
+    void ordenarGrande_data()
+    {
+        QTest::addColumn<int>("modo");
+        QTest::addColumn<QString>("clase");
+        QTest::addColumn<int>("filas");
+        QTest::newRow("nombres sin mayúsculas asc") << 5 << u"nombres"_qs << 70000;
+        QTest::newRow("nombres sin mayúsculas desc") << 6 << u"nombres"_qs << 70000;
+        QTest::newRow("nombres con mayúsculas asc") << 7 << u"nombres"_qs << 20000;
+        QTest::newRow("nombres con mayúsculas desc") << 8 << u"nombres"_qs << 20000;
+        QTest::newRow("todas iguales asc") << 5 << u"iguales"_qs << 70000;
+        QTest::newRow("todas iguales desc") << 8 << u"iguales"_qs << 70000;
+        QTest::newRow("vacías y de una letra") << 6 << u"cortas"_qs << 20000;
+        QTest::newRow("genérico mezclado asc") << 1 << u"mezcla"_qs << 20000;
+        QTest::newRow("genérico mezclado desc") << 2 << u"mezcla"_qs << 20000;
+        QTest::newRow("numérico desc") << 4 << u"mezcla"_qs << 20000;
+        QTest::newRow("texto fuera de Latin-1") << 7 << u"mezcla"_qs << 20000;
+    }
+    void ordenarGrande()
+    {
+        QFETCH(int, modo);
+        QFETCH(QString, clase);
+        QFETCH(int, filas);
+        // Columns: key, second key, order before the sort, a number to shuffle the rows by.
+        Rejilla r;
+        r.PonerFixedCols(0);
+        r.PonerCols(4);
+        r.PonerRows(1);
+        r.PonerRedraw(false);
+        Azar azar;
+        for (int i = 0; i < filas; ++i)
+            r.AddItem(claveGrande(clase, azar) + u'\t' + (azar(2) ? u"x"_qs : u"Y"_qs) + u"\t\t"_qs
+                      + QString::number(azar(1000000)));
+        // Shuffle, so that the rows' order is not the order they were stored in, and number them.
+        r.PonerCol(3);
+        r.Sort(OrdenNumericoAsc);
+        for (int f = 1; f <= filas; ++f)
+            r.PonerTextMatrix(f, 2, QString::number(f));
+        const bool dosClaves = clase == u"mezcla" && modo <= 2;
+        r.PonerCol(0);
+        r.PonerColSel(dosClaves ? 1 : 0);
+        r.Sort(modo);
+
+        QList<bool> visto(filas + 1, false);
+        for (int f = 1; f <= filas; ++f) {
+            const int antes = r.TextMatrix(f, 2).toInt();
+            QVERIFY2(antes >= 1 && antes <= filas && !visto[antes], qPrintable(u"fila %1"_qs.arg(f)));
+            visto[antes] = true;
+        }
+        Rejilla par;
+        par.PonerFixedCols(0);
+        par.PonerCols(3);
+        par.PonerRows(3);
+        for (int f = 1; f < filas; ++f) {
+            const int a = r.TextMatrix(f, 2).toInt(), b = r.TextMatrix(f + 1, 2).toInt();
+            const int primera = a < b ? f : f + 1, segunda = a < b ? f + 1 : f;
+            for (int c = 0; c < 3; ++c) {
+                par.PonerTextMatrix(1, c, r.TextMatrix(primera, c));
+                par.PonerTextMatrix(2, c, r.TextMatrix(segunda, c));
+            }
+            par.PonerCol(0);
+            par.PonerColSel(dosClaves ? 1 : 0);
+            par.Sort(modo);
+            if (par.TextMatrix(1, 2).toInt() != a)
+                QFAIL(qPrintable(u"filas %1 y %2 fuera de orden: «%3» «%4»"_qs.arg(f).arg(f + 1)
+                                     .arg(r.TextMatrix(f, 0), r.TextMatrix(f + 1, 0))));
+        }
+        if (clase == u"iguales") // equal keys keep their order
+            QCOMPARE(r.TextMatrix(filas, 2), QString::number(filas));
     }
 
     void ordenarVariasColumnas()
