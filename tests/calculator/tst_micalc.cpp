@@ -114,9 +114,7 @@ private Q_SLOTS:
     }
     void clicYTeclado()
     {
-        QFETCH(QString, teclas);
-        QFETCH(QString, tecleado);
-        QFETCH(QString, pantalla);
+        QFETCH(QString, teclas); QFETCH(QString, tecleado); QFETCH(QString, pantalla);
         QPointer<MiCalc> a = abrir();
         for (const QChar c : teclas)
             QTest::mouseClick(tecla(a, int(MotorCalculadora::Teclas().indexOf(c))), Qt::LeftButton);
@@ -162,12 +160,8 @@ private Q_SLOTS:
     }
     void pegar()
     {
-        QFETCH(QString, previo);
-        QFETCH(QString, portapapeles);
-        QFETCH(QString, entrada);
-        QFETCH(QString, pantalla);
-        QFETCH(QString, papel);
-        QFETCH(bool, botonDerecho);
+        QFETCH(QString, previo); QFETCH(QString, portapapeles); QFETCH(QString, entrada);
+        QFETCH(QString, pantalla); QFETCH(QString, papel); QFETCH(bool, botonDerecho);
         QPointer<MiCalc> calc = abrir();
         teclear(calc, previo);
         QGuiApplication::clipboard()->setText(portapapeles);
@@ -194,9 +188,7 @@ private Q_SLOTS:
     }
     void portapapeles()
     {
-        QFETCH(QString, locale);
-        QFETCH(QString, teclas);
-        QFETCH(QString, copiado);
+        QFETCH(QString, locale); QFETCH(QString, teclas); QFETCH(QString, copiado);
         QLocale::setDefault(QLocale(locale));
         QPointer<MiCalc> calc = abrir();
         QGuiApplication::clipboard()->setText(u"otra cosa"_qs);
