@@ -46,11 +46,8 @@ private Q_SLOTS:
     }
     void rangoEnOrden()
     {
-        QFETCH(QString, locale);
-        QFETCH(QString, tag);
-        QFETCH(QString, desde);
-        QFETCH(QString, hasta);
-        QFETCH(bool, enOrden);
+        QFETCH(QString, locale); QFETCH(QString, tag); QFETCH(QString, desde);
+        QFETCH(QString, hasta); QFETCH(bool, enOrden);
         QLocale::setDefault(QLocale(locale));
         ServiciosGrabados grabados;
         QCOMPARE(RangoEnOrden(desde, hasta, tag), enOrden);

