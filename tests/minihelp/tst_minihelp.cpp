@@ -92,9 +92,7 @@ void TestMiniHelp::textoVersion_data()
 
 void TestMiniHelp::textoVersion()
 {
-    QFETCH(QString, nombre);
-    QFETCH(QString, version);
-    QFETCH(QString, esperado);
+    QFETCH(QString, nombre); QFETCH(QString, version); QFETCH(QString, esperado);
     const QString nombreAntes = QCoreApplication::applicationName();
     const QString versionAntes = QCoreApplication::applicationVersion();
     QCoreApplication::setApplicationName(nombre);
@@ -120,9 +118,7 @@ void TestMiniHelp::tituloMiniWeb_data()
 
 void TestMiniHelp::tituloMiniWeb()
 {
-    QFETCH(QStringList, titulos);
-    QFETCH(QString, esperado);
-    QFETCH(int, dibujos);
+    QFETCH(QStringList, titulos); QFETCH(QString, esperado); QFETCH(int, dibujos);
     MiniHelp v;
     v.show();
     QApplication::processEvents();
@@ -187,8 +183,7 @@ void TestMiniHelp::documentoDeFichero_data()
 
 void TestMiniHelp::documentoDeFichero()
 {
-    QFETCH(QString, fragmento);
-    QFETCH(QString, aspecto);
+    QFETCH(QString, fragmento); QFETCH(QString, aspecto);
     QTextDocument doc;
     QVERIFY(CargarRtf(Ruta("ayuda_formatos.rtf"), &doc));
     QCOMPARE(doc.blockCount(), 8);
@@ -230,9 +225,7 @@ void TestMiniHelp::cargarAyuda_data()
 
 void TestMiniHelp::cargarAyuda()
 {
-    QFETCH(QByteArray, contenido);
-    QFETCH(QString, primeraLinea);
-    QFETCH(QString, ultimaLinea);
+    QFETCH(QByteArray, contenido); QFETCH(QString, primeraLinea); QFETCH(QString, ultimaLinea);
     QTemporaryDir dir;
     const QString ruta = dir.filePath(u"AYUDA.RTF"_qs);
     QFile f(ruta);

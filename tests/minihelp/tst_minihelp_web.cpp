@@ -113,8 +113,7 @@ void TestMiniHelpWeb::pagina_data()
 
 void TestMiniHelpWeb::pagina()
 {
-    QFETCH(bool, mostrada);
-    QFETCH(int, llamadas);
+    QFETCH(bool, mostrada); QFETCH(int, llamadas);
     MiniHelp v;
     if (mostrada) {
         v.show();

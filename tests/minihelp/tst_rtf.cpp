@@ -122,9 +122,7 @@ void TestRtf::texto_data()
 
 void TestRtf::texto()
 {
-    QFETCH(QByteArray, rtf);
-    QFETCH(QString, esperado);
-    QFETCH(bool, completo);
+    QFETCH(QByteArray, rtf); QFETCH(QString, esperado); QFETCH(bool, completo);
     const DocumentoRtf doc = LeerRtf(rtf);
     QCOMPARE(doc.Texto(), esperado);
     QCOMPARE(doc.completo, completo);
@@ -150,8 +148,7 @@ void TestRtf::formato_data()
 
 void TestRtf::formato()
 {
-    QFETCH(QByteArray, rtf);
-    QFETCH(QString, tramos);
+    QFETCH(QByteArray, rtf); QFETCH(QString, tramos);
     QCOMPARE(Tramos(LeerRtf(rtf)), tramos);
 }
 
@@ -167,8 +164,7 @@ void TestRtf::anidamientoProfundo_data()
 
 void TestRtf::anidamientoProfundo()
 {
-    QFETCH(int, grupos);
-    QFETCH(bool, cerrados);
+    QFETCH(int, grupos); QFETCH(bool, cerrados);
     QByteArray rtf = "{\\rtf1 " + QByteArray(grupos, '{') + "\\b x";
     if (cerrados)
         rtf += QByteArray(grupos, '}') + "y}";
