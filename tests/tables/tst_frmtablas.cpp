@@ -132,8 +132,7 @@ private Q_SLOTS:
     }
     void dimensionar()
     {
-        QFETCH(QString, titulo);
-        QFETCH(int, anchoVisorTwips);
+        QFETCH(QString, titulo); QFETCH(int, anchoVisorTwips);
         QWidget anfitrion;
         anfitrion.setGeometry(130, 90, 500, 400);
         anfitrion.show();
@@ -255,9 +254,7 @@ private Q_SLOTS:
     }
     void elegirNoMarca()
     {
-        QFETCH(QString, tag);
-        QFETCH(QByteArray, disco);
-        QFETCH(QString, editando);
+        QFETCH(QString, tag); QFETCH(QByteArray, disco); QFETCH(QString, editando);
         escribir(m_tabla, disco);
         abrir(m_tabla, true, tag);
         QCOMPARE(TagDe(elemento()), tag);
@@ -298,8 +295,7 @@ private Q_SLOTS:
     }
     void salir()
     {
-        QFETCH(QString, boton);
-        QFETCH(bool, cerrada);
+        QFETCH(QString, boton); QFETCH(bool, cerrada);
         abrir(m_tabla);
         clicFila(m_t, 1);
         QTest::keyClicks(elemento(), u"arab"_qs);

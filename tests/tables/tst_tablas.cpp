@@ -66,8 +66,7 @@ private Q_SLOTS:
     }
     void grabar()
     {
-        QFETCH(QStringList, elementos);
-        QFETCH(QByteArray, disco);
+        QFETCH(QStringList, elementos); QFETCH(QByteArray, disco);
         ServiciosGrabados s;
         Rejilla g;
         llenar(g, elementos);
@@ -101,9 +100,7 @@ private Q_SLOTS:
     }
     void cargar()
     {
-        QFETCH(QByteArray, disco);
-        QFETCH(QStringList, antes);
-        QFETCH(QStringList, despues);
+        QFETCH(QByteArray, disco); QFETCH(QStringList, antes); QFETCH(QStringList, despues);
         ServiciosGrabados s;
         Rejilla g;
         llenar(g, antes);
@@ -148,11 +145,8 @@ private Q_SLOTS:
     }
     void sobreescribir()
     {
-        QFETCH(QString, operacion);
-        QFETCH(bool, existe);
-        QFETCH(int, respuesta);
-        QFETCH(int, preguntas);
-        QFETCH(bool, escrito);
+        QFETCH(QString, operacion); QFETCH(bool, existe); QFETCH(int, respuesta);
+        QFETCH(int, preguntas); QFETCH(bool, escrito);
         ServiciosGrabados s;
         s.respuesta = respuesta;
         const QString fichero = ruta(u"sobre.txt"_qs);
@@ -195,9 +189,7 @@ private Q_SLOTS:
     }
     void pedirNombre()
     {
-        QFETCH(QString, operacion);
-        QFETCH(bool, acepta);
-        QFETCH(QString, respuesta);
+        QFETCH(QString, operacion); QFETCH(bool, acepta); QFETCH(QString, respuesta);
         QFETCH(bool, hecho);
         const QString pedido = ruta(u"pedido.txt"_qs);
         escribir(pedido, "DEL FICHERO\r\n");
@@ -233,9 +225,7 @@ private Q_SLOTS:
     }
     void errores()
     {
-        QFETCH(QString, operacion);
-        QFETCH(QString, nombre);
-        QFETCH(int, numero);
+        QFETCH(QString, operacion); QFETCH(QString, nombre); QFETCH(int, numero);
         QDir(m_dir.path()).mkpath(u"carpeta"_qs);
         escribir(ruta(u"viejo.txt"_qs), "VIEJO\r\n");
         ServiciosGrabados s;
