@@ -75,18 +75,17 @@ private Q_SLOTS:
         QCOMPARE(BytesDeDos(texto), esperadoDos);
     }
 
+    // Both directions of all 256 bytes, NUL included, are checked against iconv above; here the
+    // direction's spelling and what has no equivalent.
     void convertir_data()
     {
         QTest::addColumn<QString>("texto");
         QTest::addColumn<QString>("sentido");
         QTest::addColumn<QString>("esperado");
         const QString dosEnie = QString(QChar(0xA4)) + QChar(0xA2); // CP850 bytes of "ñó"
-        QTest::newRow("WIN") << dosEnie << "WIN" << QStringLiteral("ñó");
         QTest::newRow("Win") << dosEnie << "Win" << QStringLiteral("ñó");
-        QTest::newRow("dos") << QStringLiteral("ñó") << "dos" << dosEnie;
         QTest::newRow("sin sentido") << dosEnie << "" << dosEnie;
         QTest::newRow("sentido desconocido") << dosEnie << "ansi" << dosEnie;
-        QTest::newRow("NUL con win") << QString::fromLatin1("a\0b\0", 4) << "win" << QStringLiteral("a b ");
         QTest::newRow("dos sin equivalente") << QStringLiteral("1€ Ж") << "dos" << QStringLiteral("1? ?");
         QTest::newRow("win deja lo que no es byte") << QStringLiteral("Ж") << "win" << QStringLiteral("Ж");
     }
