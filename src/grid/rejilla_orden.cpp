@@ -507,6 +507,7 @@ void Rejilla::Sort(int modo)
         }
     }
     inicios.push_back(uint32_t(claves.size()));
+    std::vector<uint32_t>().swap(posicionDe); // not needed while sorting
     ordenarClaves(claves, inicios, descendente, posicionDeClave);
 }
 
