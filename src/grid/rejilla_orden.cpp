@@ -365,8 +365,8 @@ private:
     // Writes out the parts of one key left by the last pass (they need no more sorting).
     void unicos(const Tramo &t)
     {
-        // After the pass, m_cuenta[c] is the end of part c: a part of one key is the one whose
-        // start (end minus one) was not pushed. Walk the parts again by their ends.
+        // After the pass, m_cuenta[c] is where part c ends (an empty part ends where it starts);
+        // parts of more than one key were put on the list before the pass.
         const uint32_t *pos = m_pos[1 - t.buffer];
         std::size_t inicio = t.desde;
         for (std::size_t c = 0; c < m_cuenta.size() && inicio < t.hasta; ++c) {
