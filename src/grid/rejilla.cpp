@@ -2,6 +2,7 @@
 
 #include "kvr/error.h"
 
+#include <QStringDecoder>
 #include <QStringList>
 
 #include <algorithm>
@@ -308,7 +309,13 @@ QString Rejilla::TextMatrix(int fila, int col) const
     const uint64_t largo = largoDe(ref);
     if (!largo)
         return {};
-    return QString::fromUtf8(c.bytes.data() + inicioDe(ref), qsizetype(largo));
+    const char *datos = c.bytes.data() + inicioDe(ref);
+    // QString::fromUtf8 drops a leading byte-order mark; in a cell it is the user's character.
+    if (largo >= 3 && std::memcmp(datos, "\xEF\xBB\xBF", 3) == 0) {
+        QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+        return utf8.decode(QByteArrayView(datos, qsizetype(largo)));
+    }
+    return QString::fromUtf8(datos, qsizetype(largo));
 }
 
 void Rejilla::PonerTextMatrix(int fila, int col, const QString &texto)

@@ -175,7 +175,9 @@ QStringList LeerLineas(const QString &ruta)
 
     QString texto;
     {
-        QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+        // The decoder keeps a leading mark so that exactly one is taken as the file's own below.
+        QStringDecoder utf8(QStringDecoder::Utf8,
+                            QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
         texto = utf8.decode(bytes);
         if (utf8.hasError()) {
             QStringDecoder ansi("windows-1252");

@@ -88,6 +88,10 @@ QByteArray TextoTabla(const QStringList &elementos)
         datos += e.toUtf8();
         datos += "\r\n";
     }
+    // A first element that itself begins with a byte-order mark would be read back as the file's
+    // mark and lose it: the file then gets a mark of its own in front.
+    if (datos.startsWith("\xEF\xBB\xBF"))
+        datos.prepend("\xEF\xBB\xBF");
     return datos;
 }
 

@@ -282,7 +282,8 @@ private Q_SLOTS:
         Rejilla r;
         llenar(r, 1, {u"corto"_qs});
         const QStringList textos{u"un texto bastante más largo"_qs, u"ñ"_qs, QString(),
-                                 u"€ y 𝄞 música"_qs, u"x"_qs};
+                                 u"€ y 𝄞 música"_qs, u"x"_qs,
+                                 QString(QChar(0xFEFF)) + QChar(0xFEFF) + u"a"_qs}; // leading marks kept
         for (const QString &t : textos) {
             r.PonerTextMatrix(1, 0, t);
             QCOMPARE(r.TextMatrix(1, 0), t);

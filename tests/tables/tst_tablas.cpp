@@ -63,6 +63,8 @@ private Q_SLOTS:
             << QStringList{u"CÁCERES"_qs, u"A CORUÑA"_qs, u"5 €"_qs}
             << QByteArray("C\xc3\x81" "CERES\r\nA CORU\xc3\x91" "A\r\n5 \xe2\x82\xac\r\n");
         QTest::newRow("tabla vacía, fichero vacío") << QStringList{} << QByteArray();
+        QTest::newRow("primer elemento con marca de orden: el fichero lleva la suya")
+            << QStringList{QString(QChar(0xFEFF)) + u"A"_qs} << QByteArray("\xef\xbb\xbf\xef\xbb\xbf" "A\r\n");
     }
     void grabar()
     {
@@ -95,6 +97,9 @@ private Q_SLOTS:
             << QByteArray("1\r\n2\r\n3\r\n4\r\n") << QStringList{u"x"_qs} << QStringList{u"1"_qs, u"2"_qs, u"3"_qs, u"4"_qs};
         QTest::newRow("menos líneas: el resto en blanco, las filas se quedan")
             << QByteArray("NUEVO\r\n") << cinco << QStringList{u"NUEVO"_qs, QString(), QString(), QString(), QString()};
+        QTest::newRow("marca de orden del fichero fuera, la del texto se queda")
+            << QByteArray("\xef\xbb\xbf\xef\xbb\xbf" "A\r\n\xef\xbb\xbf" "B\r\n") << QStringList{}
+            << QStringList{QString(QChar(0xFEFF)) + u"A"_qs, QString(QChar(0xFEFF)) + u"B"_qs};
         QTest::newRow("fichero vacío") << QByteArray() << cinco << QStringList(5);
         QTest::newRow("fichero que no existe") << QByteArray("<ninguno>") << cinco << QStringList(5);
     }
