@@ -12,6 +12,7 @@ PAQUETES=(cmake ninja-build g++ clang-14 libclang-rt-14-dev pkg-config
   qt6-base-dev qt6-base-dev-tools qt6-webengine-dev libgl-dev
   xvfb xauth xdotool cups cups-client printer-driver-cups-pdf libcups2-dev python3 procps)
 FUZZ_SEGUNDOS=${FUZZ_SEGUNDOS:-45}
+FUZZ_SEMILLA=${FUZZ_SEMILLA:-1}   # a fixed seed: a finding can be reproduced from the log
 
 preparar() {
   local faltan=()
@@ -54,7 +55,7 @@ fuzz() {
     mkdir -p "$corpus"
     [ -d "fuzz/corpus/$nombre" ] && cp -r "fuzz/corpus/$nombre/." "$corpus/"
     echo "== $nombre durante ${FUZZ_SEGUNDOS} s"
-    QT_QPA_PLATFORM=offscreen "$f" -max_total_time="$FUZZ_SEGUNDOS" -rss_limit_mb=4096 -timeout=10 \
+    QT_QPA_PLATFORM=offscreen "$f" -seed="$FUZZ_SEMILLA" -max_total_time="$FUZZ_SEGUNDOS" -rss_limit_mb=4096 -timeout=10 \
       -print_final_stats=1 "$corpus" 2>&1 | tail -n 12
   done
   rm -rf "$tmp"
