@@ -61,6 +61,8 @@ private:
     void redrawCambiado(bool redraw) override;
     void visibleCambiado(bool visible) override;
     void leerTamanos();
+    // Ends a row change that had to become a reset; false when it was an ordinary one.
+    bool acabarReinicio();
     bool valida(int fila, int col) const;
 
     Rejilla &m_rejilla;

@@ -138,16 +138,21 @@ void ModeloRejilla::antesDeInsertarFilas(int primera, int ultima)
         beginInsertRows({}, filaVista(primera), filaVista(ultima));
 }
 
-void ModeloRejilla::filasInsertadas()
+bool ModeloRejilla::acabarReinicio()
 {
     leerTamanos();
-    if (m_reiniciando) {
-        m_reiniciando = false;
-        endResetModel();
-        Q_EMIT rejillaReiniciada();
-    } else {
+    if (!m_reiniciando)
+        return false;
+    m_reiniciando = false;
+    endResetModel();
+    Q_EMIT rejillaReiniciada();
+    return true;
+}
+
+void ModeloRejilla::filasInsertadas()
+{
+    if (!acabarReinicio())
         endInsertRows();
-    }
 }
 
 void ModeloRejilla::antesDeQuitarFilas(int primera, int ultima)
@@ -161,14 +166,8 @@ void ModeloRejilla::antesDeQuitarFilas(int primera, int ultima)
 
 void ModeloRejilla::filasQuitadas()
 {
-    leerTamanos();
-    if (m_reiniciando) {
-        m_reiniciando = false;
-        endResetModel();
-        Q_EMIT rejillaReiniciada();
-    } else {
+    if (!acabarReinicio())
         endRemoveRows();
-    }
 }
 
 void ModeloRejilla::antesDeInsertarColumnas(int primera, int ultima)

@@ -38,6 +38,18 @@ inline QString nombreDelFoco()
     return f ? f->objectName() : QString();
 }
 
+// Types a text key by key; characters beyond ASCII (ñ, €) go as key events with their text, since
+// QTest::keyClicks cannot send them.
+inline void teclear(QWidget *w, const QString &texto)
+{
+    for (QChar c : texto) {
+        if (c.unicode() < 128)
+            QTest::keyClick(w, c.toLatin1());
+        else
+            QTest::sendKeyEvent(QTest::Click, w, Qt::Key_unknown, QString(c), Qt::NoModifier);
+    }
+}
+
 inline void pulsar(QWidget *w)
 {
     QTest::mouseClick(w, Qt::LeftButton);

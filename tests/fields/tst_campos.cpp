@@ -1,5 +1,6 @@
 // Field behaviour on real widgets, driven by real key and focus events, under a comma-decimal
 // and a point-decimal locale (every test runs once for each).
+#include "comun/pruebas.h"
 #include "registro.h"
 
 #include <kvr/campos.h>
@@ -12,6 +13,7 @@
 #include <QVBoxLayout>
 
 using namespace kvr;
+using prueba::teclear;
 
 class TstCampos : public QObject {
     Q_OBJECT
@@ -59,15 +61,6 @@ class TstCampos : public QObject {
     {
         campo->setFocus(Qt::TabFocusReason);
         return QTest::qWaitFor([&] { return campo->hasFocus(); }, 2000);
-    }
-    static void teclear(QWidget *campo, const QString &texto)
-    {
-        for (QChar c : texto) {
-            if (c.unicode() < 128)
-                QTest::keyClick(campo, c.toLatin1());
-            else
-                QTest::sendKeyEvent(QTest::Click, campo, Qt::Key_unknown, QString(c), Qt::NoModifier);
-        }
     }
     static bool esComa() { return QLocale().decimalPoint() == u","; }
 
