@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 #include <exception>
+#include <functional>
 
 namespace kvr {
 
@@ -36,5 +37,12 @@ private:
     QString m_descripcion;
     QByteArray m_utf8;
 };
+
+// Runs a window's event handler. An ErrorEjecucion it throws stops the handler where it was and
+// is shown through the seam's message box ("Error <n>: <text>", critical icon, the application's
+// title); the window goes on as the handler left it. `alFallar`, when given, runs before the
+// message (a window puts its display in order behind the box). False when an error was shown.
+bool EjecutarManejador(const std::function<void()> &manejador,
+                       const std::function<void()> &alFallar = {});
 
 } // namespace kvr

@@ -67,7 +67,6 @@ protected:
     bool eventFilter(QObject *objeto, QEvent *evento) override;
 
 private:
-    template <typename F> void ejecutar(F &&accion);
     void ponerMarca(const QString &marca);
     // The exit question; true when the window may close.
     bool puedeSalir();

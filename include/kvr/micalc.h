@@ -46,7 +46,6 @@ protected:
     void mousePressEvent(QMouseEvent *evento) override;
 
 private:
-    template <typename F> void ejecutar(F &&accion);
     void mostrar();
     void vigilar(QWidget *w);
 

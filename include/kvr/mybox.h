@@ -153,7 +153,6 @@ protected:
     void mouseReleaseEvent(QMouseEvent *evento) override;
 
 private:
-    template <typename F> void ejecutar(F &&accion);
     void elegirFilaActual();
     void VisorMini_RowColChange();
     void aplicarOrdenTab();

@@ -124,21 +124,6 @@ void MiCalc::vigilar(QWidget *w)
     w->installEventFilter(this);
 }
 
-template <typename F>
-void MiCalc::ejecutar(F &&accion)
-{
-    try {
-        accion();
-    } catch (const ErrorEjecucion &e) {
-        // The arithmetic error ends the key; what the key had already changed stays.
-        mostrar();
-        Servicios &s = ServiciosActuales();
-        s.Mensaje(e.descripcion(), Critico, s.TituloAplicacion());
-        return;
-    }
-    mostrar();
-}
-
 void MiCalc::mostrar()
 {
     ui->Pantalla->setText(m_motor.Pantalla());
@@ -207,12 +192,15 @@ void MiCalc::Pantalla_MouseDown(Qt::MouseButton Button)
 void MiCalc::tecla_Click(int Index)
 {
     ui->Panel->setFocus();
-    ejecutar([&] { m_motor.Tecla(Index); });
+    // An arithmetic error ends the key; what the key had already changed stays shown.
+    EjecutarManejador([&] { m_motor.Tecla(Index); }, [this] { mostrar(); });
+    mostrar();
 }
 
 void MiCalc::decimales_Click()
 {
-    ejecutar([&] { m_motor.CambiarDecimales(); });
+    EjecutarManejador([&] { m_motor.CambiarDecimales(); });
+    mostrar();
     ui->Panel->setFocus();
 }
 

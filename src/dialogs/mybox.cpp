@@ -106,7 +106,7 @@ MyBox::MyBox(QWidget *parent)
         m_botones[i]->setObjectName(QStringLiteral("Boton(%1)").arg(i));
         // The buttons stay down when pressed; their handler lets them spring back.
         connect(m_botones[i], &QPushButton::toggled, this, [this, i] {
-            ejecutar([&] { Boton_Click(i); });
+            EjecutarManejador([&] { Boton_Click(i); });
         });
         m_botones[i]->installEventFilter(this);
     }
@@ -118,13 +118,13 @@ MyBox::MyBox(QWidget *parent)
     visor->setSelectionBehavior(QAbstractItemView::SelectRows);
     visor->installEventFilter(this);
     connect(visor, &VisorRejilla::Click, this, [this](int fila, int col) {
-        ejecutar([&] { VisorMini_Click(fila, col); });
+        EjecutarManejador([&] { VisorMini_Click(fila, col); });
     });
     connect(visor, &VisorRejilla::DobleClick, this, [this](int fila, int col) {
-        ejecutar([&] { VisorMini_DblClick(fila, col); });
+        EjecutarManejador([&] { VisorMini_DblClick(fila, col); });
     });
     connect(visor, &VisorRejilla::RowColChange, this, [this] {
-        ejecutar([&] { VisorMini_RowColChange(); });
+        EjecutarManejador([&] { VisorMini_RowColChange(); });
     });
     ui->RGBText->installEventFilter(this);
 
@@ -143,19 +143,6 @@ QPixmap MyBox::NIconos(int ElIcono)
         throw ErrorEjecucion(ErrorEjecucion::SubindiceFueraDeIntervalo,
                              QStringLiteral("Índice fuera de los límites (icono %1)").arg(ElIcono));
     return QPixmap(QString::fromUtf16(kIconos[ElIcono - 1]));
-}
-
-template <typename F>
-void MyBox::ejecutar(F &&accion)
-{
-    try {
-        accion();
-    } catch (const ErrorEjecucion &e) {
-        // The box cannot ask itself: the error goes to the desktop's message box, and the box
-        // stays open as it was.
-        Servicios &s = ServiciosActuales();
-        s.Mensaje(e.descripcion(), Critico, s.TituloAplicacion());
-    }
 }
 
 void MyBox::Form_Load()
@@ -425,7 +412,7 @@ void MyBox::Boton_KeyPress(int Index, int &KeyAscii)
 
 void MyBox::Ayuda_Click()
 {
-    ejecutar([&] {
+    EjecutarManejador([&] {
         MiniHelp ayuda(this);
         ayuda.CargarAyuda(TagDe(ui->Ayuda));
         ayuda.exec();
@@ -500,7 +487,7 @@ bool MyBox::eventFilter(QObject *objeto, QEvent *evento)
             const auto *m = static_cast<QMouseEvent *>(evento);
             if (m->button() == Qt::LeftButton) {
                 if (ui->RGBText->rect().contains(m->position().toPoint()))
-                    ejecutar([&] { RGBText_Click(); });
+                    EjecutarManejador([&] { RGBText_Click(); });
                 return true;
             }
         }
@@ -512,7 +499,7 @@ bool MyBox::eventFilter(QObject *objeto, QEvent *evento)
             if (k->key() == Qt::Key_Return || k->key() == Qt::Key_Enter) {
                 // Enter confirms the current row as a double click on it would.
                 const Rejilla &rejilla = ui->VisorMini->rejilla();
-                ejecutar([&] { VisorMini_DblClick(rejilla.Row(), rejilla.Col()); });
+                EjecutarManejador([&] { VisorMini_DblClick(rejilla.Row(), rejilla.Col()); });
                 return true;
             }
             m_teclaEnVisor = true;
@@ -527,7 +514,7 @@ bool MyBox::eventFilter(QObject *objeto, QEvent *evento)
             for (int i = 0; i < 3; ++i) {
                 if (objeto == m_botones[i]) {
                     int codigo = 13;
-                    ejecutar([&] { Boton_KeyPress(i, codigo); });
+                    EjecutarManejador([&] { Boton_KeyPress(i, codigo); });
                     return true;
                 }
             }

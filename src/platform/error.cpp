@@ -1,4 +1,5 @@
 #include "kvr/error.h"
+#include "kvr/servicios.h"
 
 namespace kvr {
 
@@ -22,6 +23,21 @@ ErrorEjecucion::ErrorEjecucion(int numero, const QString &descripcion)
     , m_descripcion(descripcion.isEmpty() ? DescripcionDe(numero) : descripcion)
     , m_utf8(QStringLiteral("Error %1: %2").arg(numero).arg(m_descripcion).toUtf8())
 {
+}
+
+bool EjecutarManejador(const std::function<void()> &manejador, const std::function<void()> &alFallar)
+{
+    try {
+        manejador();
+        return true;
+    } catch (const ErrorEjecucion &e) {
+        if (alFallar)
+            alFallar();
+        Servicios &s = ServiciosActuales();
+        s.Mensaje(QStringLiteral("Error %1: %2").arg(e.numero()).arg(e.descripcion()), Critico,
+                  s.TituloAplicacion());
+        return false;
+    }
 }
 
 } // namespace kvr

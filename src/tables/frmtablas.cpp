@@ -75,19 +75,6 @@ bool frmTablas::Modificado() const
     return ui->VisorTabla->rejilla().Tag() == MarcaModificado;
 }
 
-template <typename F>
-void frmTablas::ejecutar(F &&accion)
-{
-    try {
-        accion();
-    } catch (const ErrorEjecucion &e) {
-        // The operation stops where it failed (a save writes nothing); the window goes on.
-        Servicios &s = ServiciosActuales();
-        s.Mensaje(QStringLiteral("Error %1: %2").arg(e.numero()).arg(e.descripcion()), Critico,
-                  s.TituloAplicacion());
-    }
-}
-
 void frmTablas::ponerMarca(const QString &marca)
 {
     ui->VisorTabla->rejilla().PonerTag(marca);
@@ -134,7 +121,7 @@ void frmTablas::Dimensionar(QWidget *Formulario, const QString &TagFormulario,
     PrepararCampo(ui->Elemento, TagElemento);
 
     if (Cargar) {
-        ejecutar([&] {
+        EjecutarManejador([&] {
             // An empty file name asks for one; that answer serves this load only.
             QString fichero = TagDe(this);
             int x = -1, y = -1;
@@ -196,7 +183,7 @@ void frmTablas::cmdAceptar_Click()
 
 void frmTablas::cmdGrabar_Click()
 {
-    ejecutar([&] {
+    EjecutarManejador([&] {
         // An empty file name asks for one every time: the answer is not kept.
         QString fichero = TagDe(this);
         int x = -1, y = -1;
@@ -222,7 +209,7 @@ void frmTablas::cmdSalir_Click()
     // A pending edit of the field is closed by its focus-out handling first.
     DevolverFoco(ui->Elemento);
     bool cerrar = false;
-    ejecutar([&] { cerrar = puedeSalir(); });
+    EjecutarManejador([&] { cerrar = puedeSalir(); });
     if (!cerrar)
         return;
     m_saliendo = true;
@@ -234,7 +221,7 @@ void frmTablas::closeEvent(QCloseEvent *evento)
     // Closed from the title bar: the same question as "Salir", so nothing is lost unasked.
     if (!m_saliendo) {
         bool cerrar = true;
-        ejecutar([&] { cerrar = puedeSalir(); });
+        EjecutarManejador([&] { cerrar = puedeSalir(); });
         if (!cerrar) {
             evento->ignore();
             return;
