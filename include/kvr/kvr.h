@@ -24,3 +24,4 @@
 #include <kvr/mybox.h>
 #include <kvr/tablas.h>
 #include <kvr/frmtablas.h>
+#include <kvr/progreso.h>
