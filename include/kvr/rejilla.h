@@ -15,6 +15,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -124,11 +125,13 @@ public:
     int RowHeight(int fila) const;
     void PonerRowHeight(int fila, int twips);
 
-    // Bold attribute of the current cell, and of any cell.
     // Rows whose height is not the default, as (row, height) pairs in row order; empty at once
     // when no row has one.
     std::vector<std::pair<int, int>> AltosEspeciales() const;
+    // Rows of height 0 (hidden), in row order; empty at once when no row is hidden.
+    std::vector<int> FilasOcultas() const;
 
+    // Bold attribute of the current cell, and of any cell.
     bool CellFontBold() const { return NegritaCelda(m_fila, m_col); }
     void PonerCellFontBold(bool negrita) { PonerNegritaCelda(m_fila, m_col, negrita); }
     bool NegritaCelda(int fila, int col) const;
@@ -151,6 +154,14 @@ public:
     // Adds a row whose cells are the TAB-separated pieces of `texto`, at `posicion`
     // (0..Rows) or at the end when -1.
     void AddItem(const QString &texto, int posicion = -1);
+    // Adds a row at the end from cells already in UTF-8 (`celdas[i]` fills column i; missing
+    // cells stay empty, extra ones are dropped). The fast path of bulk loads: no UTF-16 on the way.
+    void AgregarFilaUtf8(const std::string_view *celdas, int numero);
+    // Makes room for `filas` more rows and `bytes` more bytes of text in each listed column
+    // (`bytes[c]` for column c), so that a bulk load grows each buffer once.
+    void Reservar(int filas, const std::vector<std::size_t> &bytes = {});
+    // The UTF-8 bytes of a cell, valid until the grid next changes.
+    std::string_view CeldaUtf8(int fila, int col) const;
     // Removes a row. A fixed row, or the last row below the fixed ones, cannot be removed.
     void RemoveItem(int fila);
 
@@ -191,6 +202,7 @@ private:
     void compactar(Columna &c);
     uint32_t nuevaRanura();
     void liberarRanura(uint32_t r);
+    void ponerAltoRanura(uint32_t r, int32_t twips);
     void ajustarActual();
     // Sorts the rows below the fixed ones by their keys (claves[inicios[k]..inicios[k+1]) is
     // the key of the row at position posiciones[k]); works on the buffers it is given.
@@ -210,7 +222,11 @@ private:
     std::vector<uint32_t> m_orden;    // visible row -> row slot
     std::vector<uint32_t> m_libres;   // free row slots
     uint32_t m_ranuras = 0;           // row slots allocated in every column
-    std::unordered_map<uint32_t, int> m_altos;     // row slot -> height, when not default
+    // Row slot -> height (-1 the default). Empty until a row gets a height of its own; dense
+    // afterwards, since a search hides or shows every row at once.
+    std::vector<int32_t> m_altos;
+    std::size_t m_altosEspeciales = 0;            // slots whose height is not the default
+    std::size_t m_ocultas = 0;                    // slots of height 0
     std::unordered_set<uint64_t> m_negritas;       // row slot << 32 | column
     int m_filasFijas = 1;
     int m_colsFijas = 1;

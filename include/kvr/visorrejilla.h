@@ -32,8 +32,11 @@ public:
 
     // Grid rows shown in the header (1 when the grid has a fixed row, else 0).
     int filasEnCabecera() const { return m_cabecera; }
-    int filaRejilla(int filaVista) const { return filaVista + m_cabecera; }
-    int filaVista(int filaRejilla) const { return filaRejilla - m_cabecera; }
+    // Rows of height 0 are not rows of the model at all: hiding most of a large grid (a search)
+    // is one reset, where hiding view rows one by one would cost a header update each.
+    // The grid row of a view row, and the view row of a grid row (-1 for a hidden row).
+    int filaRejilla(int filaVista) const;
+    int filaVista(int filaRejilla) const;
 
 Q_SIGNALS:
     void columnaModificada(int col);
@@ -70,6 +73,9 @@ private:
     int m_cols = 0;
     int m_cabecera = 0;
     bool m_reiniciando = false; // a structural change became a reset
+    // When some rows are hidden: the grid rows shown, in order (else empty, every row shown).
+    std::vector<int> m_vista;
+    bool m_filtrada = false;
 };
 
 class VisorRejilla : public QTableView {

@@ -113,6 +113,8 @@ uint32_t Rejilla::nuevaRanura()
     }
     for (Columna &c : m_columnas)
         c.refs.push_back(0);
+    if (!m_altos.empty())
+        m_altos.push_back(-1);
     return m_ranuras++;
 }
 
@@ -125,7 +127,8 @@ void Rejilla::liberarRanura(uint32_t r)
         if (!m_negritas.empty())
             m_negritas.erase(uint64_t(r) << 32 | c);
     }
-    m_altos.erase(r);
+    if (!m_altos.empty())
+        ponerAltoRanura(r, -1);
     m_libres.push_back(r);
 }
 
@@ -376,8 +379,23 @@ void Rejilla::PonerFixedAlignment(int col, int alineacion)
 int Rejilla::RowHeight(int fila) const
 {
     comprobarFila(fila);
-    const auto it = m_altos.find(ranura(fila));
-    return it == m_altos.end() ? AltoFilaPorOmision : it->second;
+    if (m_altos.empty())
+        return AltoFilaPorOmision;
+    const int32_t alto = m_altos[ranura(fila)];
+    return alto < 0 ? AltoFilaPorOmision : alto;
+}
+
+void Rejilla::ponerAltoRanura(uint32_t r, int32_t twips)
+{
+    if (m_altos.empty()) {
+        if (twips < 0)
+            return;
+        m_altos.assign(m_ranuras, -1);
+    }
+    int32_t &alto = m_altos[r];
+    m_altosEspeciales += std::size_t(twips >= 0) - std::size_t(alto >= 0);
+    m_ocultas += std::size_t(twips == 0) - std::size_t(alto == 0);
+    alto = twips;
 }
 
 void Rejilla::PonerRowHeight(int fila, int twips)
@@ -385,10 +403,7 @@ void Rejilla::PonerRowHeight(int fila, int twips)
     comprobarFila(fila);
     if (twips < -1)
         throw ErrorEjecucion(ErrorEjecucion::ArgumentoNoValido);
-    if (twips == -1)
-        m_altos.erase(ranura(fila));
-    else
-        m_altos[ranura(fila)] = twips;
+    ponerAltoRanura(ranura(fila), twips);
     if (avisar())
         paraOyentes([&](OyenteRejilla *o) { o->filaCambiada(fila); });
 }
@@ -396,14 +411,26 @@ void Rejilla::PonerRowHeight(int fila, int twips)
 std::vector<std::pair<int, int>> Rejilla::AltosEspeciales() const
 {
     std::vector<std::pair<int, int>> altos;
-    if (m_altos.empty())
+    if (m_altosEspeciales == 0)
         return altos;
     for (int f = 0; f < Rows(); ++f) {
-        const auto it = m_altos.find(ranura(f));
-        if (it != m_altos.end())
-            altos.emplace_back(f, it->second);
+        const int32_t alto = m_altos[ranura(f)];
+        if (alto >= 0)
+            altos.emplace_back(f, alto);
     }
     return altos;
+}
+
+std::vector<int> Rejilla::FilasOcultas() const
+{
+    std::vector<int> ocultas;
+    if (m_ocultas == 0)
+        return ocultas;
+    ocultas.reserve(m_ocultas);
+    for (int f = 0; f < Rows(); ++f)
+        if (m_altos[ranura(f)] == 0)
+            ocultas.push_back(f);
+    return ocultas;
 }
 
 bool Rejilla::NegritaCelda(int fila, int col) const
@@ -484,6 +511,45 @@ void Rejilla::AddItem(const QString &texto, int posicion)
         paraOyentes([](OyenteRejilla *o) { o->filasInsertadas(); });
 }
 
+void Rejilla::AgregarFilaUtf8(const std::string_view *celdas, int numero)
+{
+    const uint32_t r = nuevaRanura();
+    const int n = std::min(numero, Cols());
+    for (int c = 0; c < n; ++c)
+        if (!celdas[c].empty())
+            escribir(m_columnas[std::size_t(c)], r, celdas[c].data(), celdas[c].size());
+    const int posicion = Rows();
+    const bool a = avisar();
+    if (a)
+        paraOyentes([&](OyenteRejilla *o) { o->antesDeInsertarFilas(posicion, posicion); });
+    m_orden.push_back(r);
+    if (a)
+        paraOyentes([](OyenteRejilla *o) { o->filasInsertadas(); });
+}
+
+void Rejilla::Reservar(int filas, const std::vector<std::size_t> &bytes)
+{
+    if (filas > 0) {
+        const std::size_t n = m_orden.size() + std::size_t(filas);
+        m_orden.reserve(n);
+        for (Columna &c : m_columnas)
+            c.refs.reserve(std::size_t(m_ranuras) + std::size_t(filas));
+        if (!m_altos.empty())
+            m_altos.reserve(std::size_t(m_ranuras) + std::size_t(filas));
+    }
+    for (std::size_t c = 0; c < bytes.size() && c < m_columnas.size(); ++c)
+        m_columnas[c].bytes.reserve(m_columnas[c].bytes.size() + bytes[c]);
+}
+
+std::string_view Rejilla::CeldaUtf8(int fila, int col) const
+{
+    comprobarFila(fila);
+    comprobarCol(col);
+    const Columna &c = m_columnas[std::size_t(col)];
+    const uint64_t ref = c.refs[ranura(fila)];
+    return std::string_view(c.bytes.data() + inicioDe(ref), largoDe(ref));
+}
+
 void Rejilla::RemoveItem(int fila)
 {
     comprobarFila(fila);
@@ -553,7 +619,7 @@ qint64 Rejilla::BytesOcupados() const
         total += qint64(sizeof(Columna) + c.bytes.capacity() + c.refs.capacity() * sizeof(uint64_t));
     total += qint64((m_orden.capacity() + m_libres.capacity()) * sizeof(uint32_t));
     // Hash tables: one node and one bucket pointer per entry, roughly.
-    total += qint64(m_altos.size() * 32 + m_altos.bucket_count() * sizeof(void *));
+    total += qint64(m_altos.capacity() * sizeof(int32_t));
     total += qint64(m_negritas.size() * 24 + m_negritas.bucket_count() * sizeof(void *));
     return total;
 }

@@ -8,6 +8,7 @@
 #include <QMouseEvent>
 #include <QPalette>
 
+#include <algorithm>
 #include <cmath>
 
 namespace kvr {
@@ -54,6 +55,34 @@ void ModeloRejilla::leerTamanos()
     m_filas = m_rejilla.Rows();
     m_cols = m_rejilla.Cols();
     m_cabecera = m_rejilla.FixedRows() >= 1 && m_filas >= 1 ? 1 : 0;
+    m_vista.clear();
+    const std::vector<int> ocultas = m_rejilla.FilasOcultas();
+    auto o = std::lower_bound(ocultas.begin(), ocultas.end(), m_cabecera);
+    m_filtrada = o != ocultas.end();
+    if (!m_filtrada)
+        return;
+    m_vista.reserve(std::size_t(m_filas - m_cabecera) - std::size_t(ocultas.end() - o));
+    for (int f = m_cabecera; f < m_filas; ++f) {
+        if (o != ocultas.end() && *o == f)
+            ++o;
+        else
+            m_vista.push_back(f);
+    }
+}
+
+int ModeloRejilla::filaRejilla(int filaVista) const
+{
+    if (!m_filtrada)
+        return filaVista + m_cabecera;
+    return filaVista >= 0 && std::size_t(filaVista) < m_vista.size() ? m_vista[std::size_t(filaVista)] : -1;
+}
+
+int ModeloRejilla::filaVista(int filaRejilla) const
+{
+    if (!m_filtrada)
+        return filaRejilla - m_cabecera;
+    const auto it = std::lower_bound(m_vista.begin(), m_vista.end(), filaRejilla);
+    return it != m_vista.end() && *it == filaRejilla ? int(it - m_vista.begin()) : -1;
 }
 
 bool ModeloRejilla::valida(int fila, int col) const
@@ -64,7 +93,9 @@ bool ModeloRejilla::valida(int fila, int col) const
 
 int ModeloRejilla::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : std::max(0, m_filas - m_cabecera);
+    if (parent.isValid())
+        return 0;
+    return m_filtrada ? int(m_vista.size()) : std::max(0, m_filas - m_cabecera);
 }
 
 int ModeloRejilla::columnCount(const QModelIndex &parent) const
@@ -130,8 +161,9 @@ void ModeloRejilla::reiniciada()
 
 void ModeloRejilla::antesDeInsertarFilas(int primera, int ultima)
 {
-    // Rows that reach the title row change the header: a reset says it plainly.
-    m_reiniciando = primera < m_cabecera || (m_cabecera == 0 && m_rejilla.FixedRows() >= 1);
+    // Rows that reach the title row change the header, and rows among hidden ones move the
+    // map of shown rows: a reset says it plainly.
+    m_reiniciando = m_filtrada || primera < m_cabecera || (m_cabecera == 0 && m_rejilla.FixedRows() >= 1);
     if (m_reiniciando)
         beginResetModel();
     else
@@ -157,7 +189,7 @@ void ModeloRejilla::filasInsertadas()
 
 void ModeloRejilla::antesDeQuitarFilas(int primera, int ultima)
 {
-    m_reiniciando = primera < m_cabecera;
+    m_reiniciando = m_filtrada || primera < m_cabecera;
     if (m_reiniciando)
         beginResetModel();
     else
@@ -199,8 +231,12 @@ void ModeloRejilla::celdasCambiadas(int fila0, int col0, int fila1, int col1)
         return;
     if (fila0 < m_cabecera)
         Q_EMIT headerDataChanged(Qt::Horizontal, col0, col1);
-    const int v0 = std::max(0, filaVista(fila0));
-    const int v1 = std::min(filaVista(fila1), rowCount() - 1);
+    int v0 = std::max(0, fila0 - m_cabecera);
+    int v1 = std::min(fila1 - m_cabecera, rowCount() - 1);
+    if (m_filtrada) {
+        v0 = int(std::lower_bound(m_vista.begin(), m_vista.end(), fila0) - m_vista.begin());
+        v1 = int(std::upper_bound(m_vista.begin(), m_vista.end(), fila1) - m_vista.begin()) - 1;
+    }
     if (v0 <= v1)
         Q_EMIT dataChanged(index(v0, col0), index(v1, col1));
 }
@@ -218,6 +254,31 @@ void ModeloRejilla::columnaCambiada(int col)
 
 void ModeloRejilla::filaCambiada(int fila)
 {
+    if (fila >= m_cabecera && fila < m_filas && fila < m_rejilla.Rows()) {
+        const bool oculta = m_rejilla.RowHeight(fila) == 0;
+        const int v = filaVista(fila);
+        if (oculta && v >= 0) {
+            if (!m_filtrada) {
+                m_vista.resize(std::size_t(m_filas - m_cabecera));
+                for (std::size_t i = 0; i < m_vista.size(); ++i)
+                    m_vista[i] = int(i) + m_cabecera;
+            }
+            beginRemoveRows({}, v, v);
+            m_filtrada = true;
+            m_vista.erase(m_vista.begin() + v);
+            endRemoveRows();
+        } else if (!oculta && v < 0) {
+            const auto it = std::lower_bound(m_vista.begin(), m_vista.end(), fila);
+            const int nueva = int(it - m_vista.begin());
+            beginInsertRows({}, nueva, nueva);
+            m_vista.insert(it, fila);
+            if (m_vista.size() == std::size_t(m_filas - m_cabecera)) {
+                m_filtrada = false;
+                m_vista.clear();
+            }
+            endInsertRows();
+        }
+    }
     Q_EMIT filaModificada(fila);
 }
 
@@ -313,9 +374,7 @@ void VisorRejilla::aplicarFila(int fila)
     if (v < 0 || v >= m_modelo->rowCount() || fila >= m_rejilla.Rows())
         return;
     const int alto = m_rejilla.RowHeight(fila);
-    setRowHidden(v, alto == 0);
-    if (alto > 0)
-        setRowHeight(v, pixeles(alto));
+    setRowHeight(v, alto > 0 ? pixeles(alto) : verticalHeader()->defaultSectionSize());
 }
 
 void VisorRejilla::aplicarTodo()
@@ -325,10 +384,7 @@ void VisorRejilla::aplicarTodo()
         aplicarColumna(c);
     for (const auto &[fila, alto] : m_rejilla.AltosEspeciales()) {
         const int v = m_modelo->filaVista(fila);
-        if (v < 0 || v >= m_modelo->rowCount())
-            continue;
-        setRowHidden(v, alto == 0);
-        if (alto > 0)
+        if (alto > 0 && v >= 0 && v < m_modelo->rowCount())
             setRowHeight(v, pixeles(alto));
     }
     seguirCeldaActual(m_rejilla.Row(), m_rejilla.Col());
@@ -368,7 +424,7 @@ void VisorRejilla::currentChanged(const QModelIndex &actual, const QModelIndex &
     if (!actual.isValid())
         return;
     const int fila = m_modelo->filaRejilla(actual.row());
-    if (!m_sincronizando && fila < m_rejilla.Rows() && actual.column() < m_rejilla.Cols()) {
+    if (!m_sincronizando && fila >= 0 && fila < m_rejilla.Rows() && actual.column() < m_rejilla.Cols()) {
         m_sincronizando = true;
         m_rejilla.PonerRow(fila);
         m_rejilla.PonerCol(actual.column());
