@@ -2,7 +2,15 @@
 // The progress window "Progreso": a small caption-less window that a host shows while it works
 // through a counted task, with a title, a bar, the percentage done, the time elapsed and the
 // estimated total time of the task. The host drives it only through BarraProgreso; there is one
-// such window at a time, a top-level widget found by its objectName "Progreso".
+// such window at a time, a top-level widget found by its objectName "Progreso". It is dragged by
+// its background.
+//
+//     kvr::BarraProgreso(kvr::ProgresoIniciar, 0, false, 1, n, QStringLiteral("Copiando…"));
+//     for (int i = 1; i <= n; ++i) { trabajar(i); kvr::BarraProgreso(kvr::ProgresoAvanzar, i); }
+//     kvr::BarraProgreso(kvr::ProgresoCerrar);
+//
+// The times are read from the seam's clock (ServiciosActuales().Ahora()) as seconds since
+// midnight: a task that runs past midnight shows a negative elapsed time, as no correction is made.
 #include <QString>
 #include <QWidget>
 
@@ -14,17 +22,18 @@ namespace kvr {
 
 // Operations of BarraProgreso.
 enum OperacionProgreso : int {
-    ProgresoIniciar = 1,  // minimo, maximo, titulo: (re)starts the task, shows the window
+    ProgresoIniciar = 1,  // minimo, maximo, titulo: (re)starts a task and shows the window
     ProgresoCerrar = 2,   // closes and destroys the window
     ProgresoAvanzar = 3,  // valor, forzar: the position reached
     ProgresoOcultar = 4,
-    ProgresoMostrar = 5,
+    ProgresoMostrar = 5,  // shows the window again (making one if there is none)
 };
 
-// Runs one operation on the progress window (any other operation number does nothing). Every
-// call lets pending window events run, so a host can call it at every step of a long loop; the
-// texts are redrawn only about once per hundredth of the range, at the maximum and when forzar
-// is true.
+// Runs one operation on the progress window; any other operation number does nothing. Every
+// operation lets pending window events run, so a host can call it at every step of a long loop
+// and its own windows stay responsive. An advance redraws the bar and the texts only once per
+// hundredth of the maximum's worth of calls, at the maximum itself, on the first advance after a
+// start and when forzar is true. Advancing, hiding or closing without a window does nothing.
 void BarraProgreso(int operacion, float valor = 0, bool forzar = false, float minimo = 0,
                    float maximo = 0, const QString &titulo = {});
 
@@ -34,21 +43,31 @@ public:
     explicit Progreso(QWidget *parent = nullptr);
     ~Progreso() override;
 
-    // The operations of BarraProgreso on this window.
+    // Operations 1 and 3 of BarraProgreso on this window, without letting events run (BarraProgreso
+    // does that). A maximum not above the minimum becomes minimum + 1. A value outside the range
+    // leaves the bar where it was, while the percentage and the times are still shown for it.
     void Iniciar(float minimo, float maximo, const QString &titulo);
     void Avanzar(float valor, bool forzar);
 
-    // "hh:mm:ss" of a number of seconds, hours cut to their last two digits.
-    static QString TextoTiempo(double segundos);
+    // "hh:mm:ss" of a number of seconds; the hours show only their last two digits (100 hours
+    // read 00:00:00).
+    static QString TextoTiempo(float segundos);
 
     void Form_Load();
     void Form_MouseDown();
 
 protected:
     void mousePressEvent(QMouseEvent *evento) override;
+    void closeEvent(QCloseEvent *evento) override;
 
 private:
+    void redibujar(float valor);
+
     std::unique_ptr<Ui::Progreso> ui;
+    // The bar's range and value as the host gives them (fractions too); the QProgressBar shows
+    // them rounded to whole numbers.
+    float m_minimo = 0;
+    float m_maximo = 100;
     float m_pasos = 0;          // advances since the last redraw
     float m_transcurrido = 0;   // seconds elapsed at the last redraw
 };
