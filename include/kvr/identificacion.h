@@ -1,0 +1,27 @@
+#pragma once
+// Spanish tax identifiers: tells a DNI, NIE, NIF of other persons (K, L, M) or CIF apart and
+// checks its control character. Where LetraNIF only computes the letter of a number, this
+// validates a whole identifier as a customer form receives it.
+#include <QChar>
+#include <QString>
+
+namespace kvr {
+
+enum class TipoIdentificacion { Desconocido, DNI, NIE, NIFEspecial, CIF };
+
+struct Identificacion {
+    TipoIdentificacion tipo = TipoIdentificacion::Desconocido;
+    bool valida = false;
+    // Upper case, without blanks, dots, hyphens or the "ES" prefix of a VAT number.
+    QString normalizada;
+    // The control character the identifier should have (null when the kind is unknown).
+    QChar control;
+};
+
+// DNI: 8 digits and the mod-23 letter. NIE: X, Y or Z, 7 digits and the letter of the number with
+// X = 0, Y = 1, Z = 2 in front. NIF of K, L, M: the letter of the 7 digits. CIF: an organisation
+// letter, 7 digits and a control that is a digit (A, B, E, H), a letter (K to M, N, P, Q, R, S, W)
+// or either (C, D, F, G, J, U, V).
+Identificacion ValidarIdentificacionFiscal(const QString &texto);
+
+} // namespace kvr
