@@ -25,3 +25,4 @@
 #include <kvr/tablas.h>
 #include <kvr/frmtablas.h>
 #include <kvr/progreso.h>
+#include <kvr/impresora.h>
