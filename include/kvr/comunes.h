@@ -6,6 +6,9 @@
 #include <QString>
 #include <QStringList>
 
+#include <string>
+#include <string_view>
+
 namespace kvr {
 
 // While true, ConvertirJuego only puts blanks in place of NUL characters (no code-page work).
@@ -25,6 +28,11 @@ QString ConvertirJuego(const QString &texto, const QString &sentido);
 // The same conversions straight from and to a CP850 file's bytes (NUL also becomes a blank).
 QString TextoDeDos(const QByteArray &bytes);
 QByteArray BytesDeDos(const QString &texto);
+// The same conversions between CP850 bytes and UTF-8 bytes, appended to `destino`, for bulk
+// files that go straight into a grid's UTF-8 buffers. A UTF-8 sequence that is not valid
+// becomes "?", like a character CP850 lacks.
+void Utf8DeDos(std::string_view dos, std::string &destino);
+void DosDeUtf8(std::string_view utf8, QByteArray &destino);
 
 // True when `ruta` exists; when `carpeta` is true it must also be a folder. An empty path or one
 // that cannot be read gives false.

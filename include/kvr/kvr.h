@@ -26,3 +26,6 @@
 #include <kvr/frmtablas.h>
 #include <kvr/progreso.h>
 #include <kvr/impresora.h>
+#include <kvr/contactos.h>
+#include <kvr/buscador.h>
+#include <kvr/telefonos.h>

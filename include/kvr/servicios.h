@@ -6,6 +6,7 @@
 #include <QDate>
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 
 namespace kvr {
 
@@ -38,6 +39,13 @@ public:
     virtual QString TituloAplicacion();
     virtual QDate Hoy();
     virtual QDateTime Ahora();
+    // Hands `destino` (a "mailto:" target, a web address, a file) to the desktop's opener as it
+    // stands. The result is whether an opener could be started, not what it did.
+    virtual bool AbrirDocumento(const QString &destino);
+    // Starts `programa` with `argumentos` in the working folder `carpeta`, without waiting for it.
+    // False when it could not be started.
+    virtual bool EjecutarPrograma(const QString &programa, const QStringList &argumentos,
+                                  const QString &carpeta);
 };
 
 // The services in use.

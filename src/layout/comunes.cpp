@@ -53,7 +53,25 @@ struct TablaDos {
         // NUL becomes a blank in both directions.
         aTexto[0] = u' ';
         aDos[0] = ' ';
+        for (int b = 0; b < 256; ++b) {
+            const char16_t c = aTexto[size_t(b)];
+            Utf8 &u = aUtf8[size_t(b)];
+            if (c < 0x80) {
+                u = {{char(c)}, 1};
+            } else if (c < 0x800) {
+                u = {{char(0xC0 | (c >> 6)), char(0x80 | (c & 0x3F))}, 2};
+            } else {
+                u = {{char(0xE0 | (c >> 12)), char(0x80 | ((c >> 6) & 0x3F)), char(0x80 | (c & 0x3F))}, 3};
+            }
+        }
     }
+
+    // Each CP850 byte as UTF-8 (every one lies in the Basic Multilingual Plane: 3 bytes at most).
+    struct Utf8 {
+        char b[3];
+        uint8_t n;
+    };
+    std::array<Utf8, 256> aUtf8{};
 
     bool leerDeIconv()
     {
@@ -126,6 +144,79 @@ QByteArray BytesDeDos(const QString &texto)
     for (const QChar c : texto)
         *d++ = t.aDos[c.unicode()];
     return r;
+}
+
+void Utf8DeDos(std::string_view dos, std::string &destino)
+{
+    const TablaDos &t = tabla();
+    const std::size_t inicio = destino.size();
+    destino.resize(inicio + dos.size() * 3);
+    char *d = destino.data() + inicio;
+    if (SinConvertirJuego) {
+        for (const char b : dos) {
+            const unsigned char c = static_cast<unsigned char>(b);
+            if (c == 0) {
+                *d++ = ' ';
+            } else if (c < 0x80) {
+                *d++ = char(c);
+            } else {
+                *d++ = char(0xC0 | (c >> 6));
+                *d++ = char(0x80 | (c & 0x3F));
+            }
+        }
+    } else {
+        for (const char b : dos) {
+            const auto &u = t.aUtf8[static_cast<unsigned char>(b)];
+            d[0] = u.b[0];
+            d[1] = u.b[1];
+            d[2] = u.b[2];
+            d += u.n;
+        }
+    }
+    destino.resize(std::size_t(d - destino.data()));
+}
+
+void DosDeUtf8(std::string_view utf8, QByteArray &destino)
+{
+    const TablaDos &t = tabla();
+    const qsizetype inicio = destino.size();
+    destino.resize(inicio + qsizetype(utf8.size()));
+    char *d = destino.data() + inicio;
+    const auto *p = reinterpret_cast<const unsigned char *>(utf8.data());
+    const auto *fin = p + utf8.size();
+    const auto continuacion = [&](int i) { return p + i < fin && (p[i] & 0xC0) == 0x80; };
+    while (p < fin) {
+        const unsigned char c = *p;
+        char32_t cp;
+        int largo;
+        if (c < 0x80) {
+            cp = c;
+            largo = 1;
+        } else if (c >= 0xC2 && c < 0xE0 && continuacion(1)) {
+            cp = char32_t(c & 0x1F) << 6 | (p[1] & 0x3F);
+            largo = 2;
+        } else if (c >= 0xE0 && c < 0xF0 && continuacion(1) && continuacion(2)) {
+            cp = char32_t(c & 0x0F) << 12 | char32_t(p[1] & 0x3F) << 6 | (p[2] & 0x3F);
+            largo = cp >= 0x800 ? 3 : 0;
+        } else if (c >= 0xF0 && c < 0xF5 && continuacion(1) && continuacion(2) && continuacion(3)) {
+            cp = 0x10000; // outside the plane CP850 draws from
+            largo = 4;
+        } else {
+            cp = 0xFFFD;
+            largo = 0;
+        }
+        if (largo == 0) { // not valid UTF-8: one byte is dropped and stands as "?"
+            *d++ = '?';
+            ++p;
+            continue;
+        }
+        p += largo;
+        if (SinConvertirJuego)
+            *d++ = cp == 0 ? ' ' : cp < 0x100 ? char(cp) : '?';
+        else
+            *d++ = cp < 0x10000 ? t.aDos[cp] : '?';
+    }
+    destino.resize(qsizetype(d - destino.data()));
 }
 
 bool Existe(const QString &ruta, bool carpeta)

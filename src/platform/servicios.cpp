@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QFileInfo>
+#include <QProcess>
 #include <cstdio>
 
 namespace kvr {
@@ -79,6 +80,18 @@ Servicios *PonerServicios(Servicios *nuevos)
 void PonerServiciosPorOmision(Servicios *porOmision)
 {
     g_porOmision = porOmision;
+}
+
+bool Servicios::AbrirDocumento(const QString &destino)
+{
+    // Without a window system's own opener, the freedesktop one, given the target untouched.
+    return QProcess::startDetached(QStringLiteral("xdg-open"), {destino});
+}
+
+bool Servicios::EjecutarPrograma(const QString &programa, const QStringList &argumentos,
+                                 const QString &carpeta)
+{
+    return QProcess::startDetached(programa, argumentos, carpeta);
 }
 
 } // namespace kvr

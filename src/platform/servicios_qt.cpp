@@ -3,6 +3,8 @@
 #include "kvr/servicios.h"
 
 #include <QApplication>
+#include <QDesktopServices>
+#include <QUrl>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPushButton>
@@ -14,6 +16,16 @@ namespace {
 
 class ServiciosQt final : public Servicios {
 public:
+    bool AbrirDocumento(const QString &destino) override
+    {
+        // The platform's URL service (under X11 and Wayland the desktop's own opener, which
+        // receives the address percent-encoded); a platform without one, such as offscreen,
+        // answers false and the freedesktop opener is started directly with the target as built.
+        if (QDesktopServices::openUrl(QUrl(destino, QUrl::TolerantMode)))
+            return true;
+        return Servicios::AbrirDocumento(destino);
+    }
+
     int Mensaje(const QString &texto, int botones, const QString &titulo) override
     {
         if (!qobject_cast<QApplication *>(QCoreApplication::instance()))

@@ -1,0 +1,36 @@
+#pragma once
+// Search as you type over a grid's rows: which rows hold a text in a set of columns, without
+// regard to case, the columns of a row taken as one run of text (a match may straddle two
+// cells). The upper-cased text of every row is kept in one buffer built once, so each keystroke
+// is a scan of that buffer and not a conversion of every cell.
+#include <kvr/rejilla.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kvr {
+
+// Upper case of UTF-8 text, character by character (one character gives one character, as a
+// field's upper case does), appended to `destino`.
+void MayusculasUtf8(std::string_view texto, std::string &destino);
+
+class IndiceBusqueda {
+public:
+    // The text of the rows from `primeraFila` on, columns `columnas` run together.
+    void Construir(const Rejilla &grid, const std::vector<int> &columnas, int primeraFila = 1);
+    void Vaciar();
+    bool Vacio() const { return m_inicios.empty(); }
+    int Filas() const { return int(m_inicios.size()); }
+    // One flag per row of the index (row primeraFila + i): 1 when its text holds `texto`
+    // (upper-cased here), 0 when it does not. An empty text is in every row.
+    std::vector<unsigned char> Buscar(const QString &texto) const;
+    // Bytes held.
+    std::size_t Bytes() const { return m_texto.capacity() + m_inicios.capacity() * sizeof(uint32_t); }
+
+private:
+    std::string m_texto;            // rows' texts, each ended by a NUL
+    std::vector<uint32_t> m_inicios; // where each row's text starts
+};
+
+} // namespace kvr

@@ -1,0 +1,80 @@
+#pragma once
+// The contacts file TELEFONO.DAT that every phone book of the family shares, without widgets:
+// where it lies, reading it into a grid, writing a grid back, and saving only over the version
+// of the file that was read.
+//
+// Format: a header line (skipped whatever it holds), then one line per contact with its five
+// cells (spare, name, phone, fax, e-mail) joined by TAB. Lines are separated by CR alone and the
+// whole text ends in one CR LF; CR LF and LF alone are read too. The text is in the DOS code
+// page 850.
+#include <kvr/rejilla.h>
+
+#include <QByteArrayView>
+#include <QDateTime>
+#include <QString>
+
+namespace kvr {
+
+// The grid's columns: a hidden spare column, then name, phone, fax and e-mail.
+inline const QString DescriptorContactos = QStringLiteral("#0;Nombre#34;Teléfono#18;Fax#18;eMail#25");
+// Columns of the contact's cells in the grid.
+enum ColumnaContacto : int { ColNombre = 1, ColTelefono = 2, ColFax = 3, ColEmail = 4 };
+
+// Folder of the contacts file, with a final "/": the environment variable "TLF" when it is set
+// and not empty (with or without its final "/"); otherwise the user's data folder that every
+// application of the family shares, $XDG_DATA_HOME/kvr/ (by default ~/.local/share/kvr/).
+QString CarpetaContactos();
+// True when the folder comes from "TLF" (then it is never created by us).
+bool CarpetaContactosDeTLF();
+// CarpetaContactos() + "TELEFONO.DAT".
+QString RutaContactos();
+
+// One version of a file on disk: modification time to the nanosecond, the file's identity
+// (device and inode: an atomic save puts a new inode in place) and its size. Two versions
+// written within the file system's time resolution still differ in inode or size.
+struct SelloFichero {
+    bool existe = false;
+    qint64 nanosegundos = 0; // modification time, nanoseconds since 1970
+    quint64 dispositivo = 0;
+    quint64 inodo = 0;
+    qint64 tamano = 0;
+
+    // The modification time as a date-time (to the millisecond); invalid when there is no file.
+    QDateTime fecha() const;
+    bool operator==(const SelloFichero &) const = default;
+};
+// The version of the file at `ruta` now (existe false when there is none).
+SelloFichero SelloDe(const QString &ruta);
+
+// Sets the grid's columns and fills it with the contacts of a file's bytes (the header line
+// skipped). A text with no contact leaves the header and one blank row, ready for a new contact.
+void ContactosDeTexto(QByteArrayView datos, Rejilla &grid);
+// The file's bytes for a grid: every row, the header included, its cells joined by TAB, rows
+// by CR, CR LF at the end, in code page 850. A TAB, CR or LF inside a cell is written as a blank,
+// so that it cannot split the contact.
+QByteArray TextoContactos(const Rejilla &grid);
+// Sorts the contacts by name without regard to case (equal names keep their order).
+void OrdenarContactos(Rejilla &grid);
+
+// Loads the file into the grid, sorted, and returns the version read, taken from the open file
+// itself, so that a save by somebody else while reading cannot be mistaken for what was read.
+// A missing file empties the grid and returns existe false. A file that exists but cannot be
+// read throws ErrorEjecucion (AccesoDenegado).
+SelloFichero LeerFicheroContactos(const QString &ruta, Rejilla &grid);
+
+enum class ResultadoGrabacion {
+    Grabado,    // written; the version passed in is now the new file's
+    Modificado, // the file is no longer the version passed in: nothing written
+    Ocupado,    // another program of the runtime held the lock for the whole wait: nothing written
+};
+// Sorts the grid and writes it over the file, only when the file on disk is still the version
+// `sello` (or there is none). Check and write happen under an advisory lock file beside the
+// contacts file ("TELEFONO.DAT.lock"), held by programs of this runtime only for that moment; a
+// lock left by a process that died is taken over. The write is atomic: the old file stays whole
+// until the new one is complete on disk. A folder from "TLF" that does not exist is not created;
+// the default folder is. A file that cannot be written (read-only file, missing folder, full
+// disk) throws ErrorEjecucion naming the file and the cause, with the file untouched.
+ResultadoGrabacion GrabarFicheroContactos(const QString &ruta, Rejilla &grid, SelloFichero &sello,
+                                         int esperaMs = 4000);
+
+} // namespace kvr

@@ -1,0 +1,100 @@
+#pragma once
+// The family's shared phone book "Telefonos": the contacts of TELEFONO.DAT (see contactos.h) in
+// the grid Telfs, a search field BuscoTLF that keeps only the rows holding its text, buttons to
+// add, edit and delete contacts in the entry panel LaEntrada, and hand-offs of a contact's
+// e-mail to the desktop's mail program and of its fax number to the family's fax program.
+//
+// F8 opens it from any runtime window (MostrarVentana("Telefonos")); a host may also make it with
+// new and show it. The window deletes itself when it closes. A click or right click on a
+// contact's e-mail cell puts the address, trimmed, into ContactoElegido; a right click also
+// closes the window, so a host can use the phone book to pick an address.
+//
+// Saves never overwrite a file somebody else saved since this window read it: the save is
+// refused with a message and the window shows the other version. A save that cannot be written
+// leaves the contact in the grid and the file as it was.
+#include <kvr/contactos.h>
+
+#include <QDateTime>
+#include <QString>
+#include <QWidget>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Ui {
+class Telefonos;
+}
+
+namespace kvr {
+
+class VisorRejilla;
+
+// The e-mail address last picked in a phone book (trimmed), for the host to read once it closes.
+extern QString ContactoElegido;
+// The sender's name that the host sets, put into the subject of the e-mails started here.
+extern QString EnviadoPor;
+
+class Telefonos : public QWidget {
+    Q_OBJECT
+public:
+    explicit Telefonos(QWidget *parent = nullptr);
+    ~Telefonos() override;
+
+    // Fills the grid from the contacts file (sorted by name) and goes back to browsing.
+    void CargarContactos();
+    // Sorts the grid and saves it over the contacts file, unless somebody else saved the file
+    // since this window last read or wrote it: then the save is refused with a message and the
+    // file is loaded again. Done when it returns.
+    void GrabarContactos();
+    // Starts an e-mail ("mailto:", with the current row's address when ConContacto) and the fax
+    // program (with the current row's name and fax number when ConContacto).
+    void EnviarCorreo(bool ConContacto);
+    void EnviarFax(bool ConContacto);
+
+    QString FicheroContactos() const { return m_fichero; }
+    // Modification time of the contacts file as this window last read or wrote it.
+    QDateTime FechaContactos() const { return m_sello.fecha(); }
+    QString ProgramaFax() const { return m_programaFax; }
+    bool Cargando() const { return m_cargando; }
+
+    // Handlers, named after the controls and events that run them.
+    void Form_Load();
+    void BuscoTLF_Change();
+    void Telfs_Click(int fila, int col);
+    void Telfs_RowColChange();
+    void Telfs_MouseDown(int fila, int col);
+    void Telfs_DblClick(int fila, int col);
+    void cmdNuevo_Click();
+    void cmdEditar_Click();
+    void cmdBorrar_Click();
+    void cmdAceptar_Click();
+    void cmdCancelar_Click();
+    void cmdEmail_Click();
+    void cmdFax_Click();
+    void cmdSalir_Click();
+
+protected:
+    bool event(QEvent *evento) override;
+    bool eventFilter(QObject *objeto, QEvent *evento) override;
+    void keyReleaseEvent(QKeyEvent *evento) override;
+
+private:
+    class Indice;
+
+    void AbrirEntrada();
+    void elegirFila(int fila, int col);
+    void modoConsulta();
+    bool ficheroCambiado() const;
+    void mensajeError(const QString &texto);
+    Rejilla &grid();
+
+    std::unique_ptr<Ui::Telefonos> ui;
+    std::unique_ptr<Indice> m_indice;
+    QString m_fichero;
+    QString m_programaFax;
+    SelloFichero m_sello;
+    bool m_cargando = false;
+};
+
+} // namespace kvr

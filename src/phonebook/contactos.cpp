@@ -1,0 +1,242 @@
+#include "kvr/contactos.h"
+
+#include "kvr/comunes.h"
+#include "kvr/error.h"
+#include "kvr/mivisor.h"
+#include "kvr/tablas.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+#include <sys/stat.h>
+
+#include <string>
+#include <string_view>
+
+namespace kvr {
+
+namespace {
+
+constexpr int Columnas = 5;
+
+SelloFichero selloDeStat(const struct stat &st)
+{
+    SelloFichero s;
+    s.existe = true;
+    s.nanosegundos = qint64(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
+    s.dispositivo = quint64(st.st_dev);
+    s.inodo = quint64(st.st_ino);
+    s.tamano = qint64(st.st_size);
+    return s;
+}
+
+QString textoError(const QString &ruta, const QString &causa)
+{
+    return QStringLiteral("No se pudo grabar el fichero de contactos %1: %2").arg(QDir::toNativeSeparators(ruta), causa);
+}
+
+[[noreturn]] void fallo(int numero, const QString &ruta, const QString &causa)
+{
+    throw ErrorEjecucion(numero, textoError(ruta, causa));
+}
+
+// Writes the bytes over the file through a temporary file renamed into place only once it is
+// complete on disk. Unbuffered, so that a write cut short (a full disk) is seen here rather
+// than committed as a shortened file.
+void escribirAtomico(const QString &ruta, const QByteArray &datos)
+{
+    QSaveFile fichero(ruta);
+    if (!fichero.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        fallo(ErrorEjecucion::AccesoDenegado, ruta, fichero.errorString());
+    if (fichero.write(datos) != datos.size()) {
+        const QString causa = fichero.errorString();
+        fichero.cancelWriting();
+        fallo(ErrorEjecucion::ErrorEntradaSalida, ruta, causa);
+    }
+    if (!fichero.commit())
+        fallo(ErrorEjecucion::ErrorEntradaSalida, ruta, fichero.errorString());
+}
+
+} // namespace
+
+QString CarpetaContactos()
+{
+    QString carpeta = qEnvironmentVariable("TLF");
+    if (carpeta.isEmpty()) {
+        carpeta = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+        if (carpeta.isEmpty())
+            carpeta = QDir::homePath() + QStringLiteral("/.local/share");
+        carpeta += QStringLiteral("/kvr");
+    }
+    if (!carpeta.endsWith(u'/'))
+        carpeta += u'/';
+    return carpeta;
+}
+
+bool CarpetaContactosDeTLF()
+{
+    return !qEnvironmentVariableIsEmpty("TLF");
+}
+
+QString RutaContactos()
+{
+    return CarpetaContactos() + QStringLiteral("TELEFONO.DAT");
+}
+
+QDateTime SelloFichero::fecha() const
+{
+    return existe ? QDateTime::fromMSecsSinceEpoch(nanosegundos / 1000000) : QDateTime();
+}
+
+SelloFichero SelloDe(const QString &ruta)
+{
+    struct stat st {};
+    if (ruta.isEmpty() || ::stat(QFile::encodeName(ruta).constData(), &st) != 0 || !S_ISREG(st.st_mode))
+        return {};
+    return selloDeStat(st);
+}
+
+void ContactosDeTexto(QByteArrayView datos, Rejilla &grid)
+{
+    CargarVisor(grid, DescriptorContactos);
+    const char *p = datos.data();
+    const char *const fin = p + datos.size();
+    // The header line goes, whatever it holds.
+    while (p < fin && *p != '\r' && *p != '\n')
+        ++p;
+
+    // One row for each line end, at most: room is made once.
+    qsizetype lineas = 0;
+    for (const char *q = p; q < fin; ++q)
+        lineas += *q == '\r' || *q == '\n';
+    const bool redraw = grid.Redraw();
+    grid.PonerRedraw(false);
+    grid.Reservar(int(std::min<qsizetype>(lineas, 1 << 30)));
+
+    std::string linea;
+    std::string_view celdas[Columnas];
+    while (p < fin) {
+        // Past the line end: CR LF is one end; CR or LF alone is one too.
+        if (*p == '\r' && p + 1 < fin && p[1] == '\n')
+            p += 2;
+        else
+            ++p;
+        const char *inicio = p;
+        while (p < fin && *p != '\r' && *p != '\n')
+            ++p;
+        if (p == inicio)
+            continue; // an empty line holds no contact
+        linea.clear();
+        Utf8DeDos(std::string_view(inicio, std::size_t(p - inicio)), linea);
+        int n = 0;
+        std::size_t desde = 0;
+        while (n < Columnas) {
+            const std::size_t tab = linea.find('\t', desde);
+            celdas[n++] = std::string_view(linea).substr(desde, tab == std::string::npos ? std::string::npos : tab - desde);
+            if (tab == std::string::npos)
+                break;
+            desde = tab + 1;
+        }
+        grid.AgregarFilaUtf8(celdas, n);
+    }
+    // The blank row the column set-up left goes once contacts came after it.
+    if (grid.Rows() > 2)
+        grid.RemoveItem(1);
+    grid.PonerRedraw(redraw);
+}
+
+QByteArray TextoContactos(const Rejilla &grid)
+{
+    QByteArray datos;
+    datos.reserve(qsizetype(grid.BytesTexto()) + qsizetype(grid.Rows()) * grid.Cols() + 2);
+    std::string limpia;
+    for (int fila = 0; fila < grid.Rows(); ++fila) {
+        if (fila > 0)
+            datos += '\r';
+        for (int col = 0; col < grid.Cols(); ++col) {
+            if (col > 0)
+                datos += '\t';
+            std::string_view celda = grid.CeldaUtf8(fila, col);
+            if (celda.find_first_of("\t\r\n") != std::string_view::npos) {
+                limpia.assign(celda);
+                for (char &c : limpia)
+                    if (c == '\t' || c == '\r' || c == '\n')
+                        c = ' ';
+                celda = limpia;
+            }
+            DosDeUtf8(celda, datos);
+        }
+    }
+    datos += "\r\n";
+    return datos;
+}
+
+void OrdenarContactos(Rejilla &grid)
+{
+    OrdenarVisor(grid, ColNombre, false, ColNombre);
+}
+
+SelloFichero LeerFicheroContactos(const QString &ruta, Rejilla &grid)
+{
+    QFile fichero(ruta);
+    if (!fichero.exists()) {
+        CargarVisor(grid, DescriptorContactos);
+        return {};
+    }
+    if (QFileInfo(ruta).isDir() || !fichero.open(QIODevice::ReadOnly))
+        throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
+                             QStringLiteral("No se pudo leer el fichero de contactos %1: %2")
+                                 .arg(QDir::toNativeSeparators(ruta), fichero.errorString()));
+    // The version is the one of the file opened: a save that replaces the file meanwhile puts a
+    // new inode in place and leaves this one as it was.
+    struct stat st {};
+    SelloFichero sello;
+    if (::fstat(fichero.handle(), &st) == 0)
+        sello = selloDeStat(st);
+    const QByteArray datos = fichero.readAll();
+    fichero.close();
+    ContactosDeTexto(datos, grid);
+    OrdenarContactos(grid);
+    return sello;
+}
+
+ResultadoGrabacion GrabarFicheroContactos(const QString &ruta, Rejilla &grid, SelloFichero &sello, int esperaMs)
+{
+    const QFileInfo info(ruta);
+    const QString carpeta = info.absolutePath();
+    if (!QFileInfo(carpeta).isDir()) {
+        // The user's own default folder is made on the first save; a folder named by TLF (a
+        // network folder that is not mounted, a typing slip) is reported instead.
+        if (CarpetaContactosDeTLF() || QDir::cleanPath(carpeta + u'/') != QDir::cleanPath(CarpetaContactos())
+            || !QDir().mkpath(carpeta))
+            fallo(ErrorRutaNoEncontrada, ruta, QStringLiteral("no existe la carpeta %1").arg(QDir::toNativeSeparators(carpeta)));
+    }
+    if (info.exists() && (info.isDir() || !(info.permissions() & QFileDevice::WriteOwner)))
+        fallo(ErrorEjecucion::AccesoDenegado, ruta, QStringLiteral("el fichero es de solo lectura"));
+
+    QLockFile cerrojo(ruta + QStringLiteral(".lock"));
+    // A lock older than this is taken as left behind (a program on another computer that
+    // stopped); one of a process of this computer that no longer runs is taken over at once.
+    cerrojo.setStaleLockTime(15000);
+    if (!cerrojo.tryLock(esperaMs)) {
+        if (cerrojo.error() == QLockFile::LockFailedError)
+            return ResultadoGrabacion::Ocupado;
+        fallo(ErrorEjecucion::AccesoDenegado, ruta,
+              QStringLiteral("no se puede escribir en la carpeta %1").arg(QDir::toNativeSeparators(carpeta)));
+    }
+
+    const SelloFichero actual = SelloDe(ruta);
+    if (actual.existe && actual != sello)
+        return ResultadoGrabacion::Modificado;
+
+    OrdenarContactos(grid);
+    escribirAtomico(ruta, TextoContactos(grid));
+    sello = SelloDe(ruta);
+    return ResultadoGrabacion::Grabado;
+}
+
+} // namespace kvr
