@@ -131,7 +131,7 @@ Ini analizar(QByteArray bytes)
         }
     if (!ini.ascii || b.startsWith("\xEF\xBB\xBF")) {
         QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-        (void)utf8.decode(b);
+        const QString prueba = utf8.decode(b);
         ini.utf8 = !utf8.hasError();
     }
     if (!b.contains("\r\n") && b.contains('\n'))
