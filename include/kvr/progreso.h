@@ -68,6 +68,9 @@ private:
     // them rounded to whole numbers.
     float m_minimo = 0;
     float m_maximo = 100;
+    // True from a start to the first advance, while Barra's tag reads "INICIO" (kept here too, as
+    // looking a dynamic property up by name at every advance costs more than the advance itself).
+    bool m_inicio = false;
     float m_pasos = 0;          // advances since the last redraw
     float m_transcurrido = 0;   // seconds elapsed at the last redraw
 };

@@ -108,20 +108,19 @@ void Progreso::Iniciar(float minimo, float maximo, const QString &titulo)
     // The start time is kept as text in the window's own tag and read back at every redraw.
     setProperty(kTag, QString::number(segundosDelDia(), 'f', 3));
     barra->setProperty(kTag, QStringLiteral("INICIO"));
+    m_inicio = true;
     ui->BarraTitulo->setText(titulo);
     // The layout was applied when the window was made; a second pass would scale it again.
     show();
-    raise();
 }
 
 void Progreso::Avanzar(float valor, bool forzar)
 {
-    QProgressBar *barra = ui->Barra;
-    const QVariant tag = barra->property(kTag);
-    if (tag.isValid() && tag.toString() == u"INICIO") {
+    if (m_inicio) {
         // The first advance after a start always redraws.
         m_pasos = m_maximo;
-        barra->setProperty(kTag, QString());
+        m_inicio = false;
+        ui->Barra->setProperty(kTag, QString());
     }
     m_pasos += 1;
     if (m_pasos >= m_maximo / 100 || m_maximo == valor || forzar)
@@ -196,7 +195,6 @@ void BarraProgreso(int operacion, float valor, bool forzar, float minimo, float 
         case ProgresoOcultar: ventana->hide(); break;
         case ProgresoMostrar:
             ventana->show();
-            ventana->raise();
             break;
         }
     }
