@@ -3,6 +3,7 @@
 
 #include "kvr/error.h"
 #include "kvr/escala.h"
+#include "kvr/impresora.h"
 #include "kvr/layout.h"
 #include "kvr/servicios.h"
 #include "kvr/utilidades.h"
@@ -97,6 +98,8 @@ MiCalc::MiCalc(QWidget *parent)
         ui->Panel->setFocus();
     };
     m_motor.AlBorrarPapel = [this] { ui->Papel->clear(); };
+    // The tape's context menu prints it or saves it to a file.
+    PonerMenuCinta(ui->Papel);
     m_motor.AlCopiar = [](const QString &texto) {
         QClipboard *portapapeles = QGuiApplication::clipboard();
         portapapeles->clear();
