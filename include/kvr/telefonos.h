@@ -81,6 +81,7 @@ protected:
 
 private:
     class Indice;
+    struct Moviendo;
 
     void AbrirEntrada();
     void elegirFila(int fila, int col);
@@ -95,6 +96,7 @@ private:
     QString m_programaFax;
     SelloFichero m_sello;
     bool m_cargando = false;
+    bool m_moviendo = false;
 };
 
 } // namespace kvr

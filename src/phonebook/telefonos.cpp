@@ -270,7 +270,9 @@ void Telefonos::Telfs_Click(int fila, int col)
 
 void Telefonos::Telfs_RowColChange()
 {
-    if (!m_cargando)
+    // The window's own moves of the current cell (a row removed, the sort of a save) choose
+    // nothing: only the user's do.
+    if (!m_cargando && !m_moviendo)
         elegirFila(grid().Row(), grid().Col());
 }
 
@@ -331,6 +333,13 @@ void Telefonos::AbrirEntrada()
     DevolverFoco(findChild<QLineEdit *>(QStringLiteral("Tlf(0)")));
 }
 
+// Marks the window's own changes of the grid while it lives.
+struct Telefonos::Moviendo {
+    bool &marca;
+    explicit Moviendo(bool &m) : marca(m) { marca = true; }
+    ~Moviendo() { marca = false; }
+};
+
 void Telefonos::cmdAceptar_Click()
 {
     QLineEdit *nombre = findChild<QLineEdit *>(QStringLiteral("Tlf(0)"));
@@ -338,6 +347,7 @@ void Telefonos::cmdAceptar_Click()
         DevolverFoco(nombre);
         return;
     }
+    Moviendo moviendo(m_moviendo);
     const int fila = ui->Indice->text().toInt();
     for (int i = 0; i < 4; ++i)
         PonerCelda(grid(), fila, ColNombre + i, findChild<QLineEdit *>(QStringLiteral("Tlf(%1)").arg(i))->text());
@@ -363,6 +373,7 @@ void Telefonos::cmdBorrar_Click()
     // "No" is the initial button: a slip of Enter deletes nothing.
     if (int(MyMsgBox(TextoBorrar, QString(), IconoPregunta, 3, 2)) != 6)
         return;
+    Moviendo moviendo(m_moviendo);
     QuitarFilaVisor(grid(), grid().Row());
     modoConsulta();
     ui->Telfs->setFocus();
