@@ -34,6 +34,11 @@ compilar() {
   cmake --build --preset default
 }
 
+# cupsd and the two PDF queues that the printer dialog's tests and the demo print to.
+impresoras() {
+  ./src/printer/colas_cups.sh || echo "== Sin sistema de impresión: las pruebas de impresoras se saltarán"
+}
+
 con_pantalla() {
   if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
     "$@"
@@ -67,11 +72,13 @@ case "$caso" in
   demo)
     preparar
     compilar
+    impresoras
     con_pantalla ./build/default/apps/kvr-demo
     ;;
   test)
     preparar
     compilar
+    impresoras
     ctest --preset default --output-on-failure
     cmake --preset asan
     cmake --build --preset asan
