@@ -16,6 +16,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QGroupBox>
+#include <QThread>
 #include <QVBoxLayout>
 
 namespace {
@@ -210,6 +211,33 @@ Demo::Demo(QWidget *parent)
     calculadora->setObjectName(QStringLiteral("cmdCalculadora"));
     connect(calculadora, &QPushButton::clicked, this, [] { kvr::MostrarVentana(QStringLiteral("MiCalc")); });
     botones->addWidget(calculadora);
+    auto *impresora = new QPushButton(QStringLiteral("Impresora"), this);
+    impresora->setObjectName(QStringLiteral("cmdImpresora"));
+    connect(impresora, &QPushButton::clicked, this, [this, resultado] {
+        kvr::Impresora dialogo(this);
+        dialogo.exec();
+        resultado->setText(kvr::ImpresoraCancelada
+                               ? QStringLiteral("Resultado: impresión cancelada")
+                               : QStringLiteral("Resultado: impresora «%1», papel %2")
+                                     .arg(kvr::ImpresoraElegida, kvr::OrientacionElegida));
+    });
+    botones->addWidget(impresora);
+    auto *progreso = new QPushButton(QStringLiteral("Tarea con progreso"), this);
+    progreso->setObjectName(QStringLiteral("cmdProgreso"));
+    connect(progreso, &QPushButton::clicked, this, [progreso] {
+        // A counted task of about four seconds: 400 steps of 10 ms, each one reported.
+        progreso->setEnabled(false);
+        const int pasos = 400;
+        kvr::BarraProgreso(kvr::ProgresoIniciar, 0, false, 1, pasos,
+                           QStringLiteral("Tarea de demostración"));
+        for (int i = 1; i <= pasos; ++i) {
+            QThread::msleep(10);
+            kvr::BarraProgreso(kvr::ProgresoAvanzar, float(i));
+        }
+        kvr::BarraProgreso(kvr::ProgresoCerrar);
+        progreso->setEnabled(true);
+    });
+    botones->addWidget(progreso);
     botones->addStretch();
     auto *salir = new QPushButton(QStringLiteral("Salir"), this);
     salir->setObjectName(QStringLiteral("cmdSalir"));
