@@ -9,12 +9,9 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QDir>
-#include <QElapsedTimer>
-#include <QFileDialog>
 #include <QPlainTextEdit>
 #include <QProcess>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 
 #include <cups/cups.h>
 
@@ -52,26 +49,15 @@ QImage imagen(const QIcon &icono)
 void cuandoAparezca(std::function<QWidget *()> buscar, std::function<void(QWidget *)> accion)
 {
     auto *t = new QTimer(qApp);
-    auto *reloj = new QElapsedTimer;
-    reloj->start();
-    QObject::connect(t, &QTimer::timeout, qApp, [=] {
-        QWidget *w = buscar();
-        const bool listo = w && w->isVisible();
-        if (listo || reloj->elapsed() > 10000) {
-            t->stop();
+    QObject::connect(t, &QTimer::timeout, t, [=] {
+        if (QWidget *w = buscar(); w && w->isVisible()) {
             t->deleteLater();
-            delete reloj;
-            if (listo)
-                accion(w);
+            t->stop();
+            accion(w);
         }
     });
+    QTimer::singleShot(10000, t, &QObject::deleteLater);
     t->start(20);
-}
-
-QWidget *dialogoAbierto()
-{
-    QWidget *w = QApplication::activeModalWidget();
-    return w && w->objectName() == u"Impresora" ? w : nullptr;
 }
 
 // Steps on the dialog: "v" Down in the list, "p" a click on the paper button, "a" Aceptar,
@@ -89,25 +75,17 @@ void recorrer(QWidget *d, const QString &pasos)
     }
 }
 
-// The folders cups-pdf writes to: its "Out" setting (with ${HOME} the user's home) and the
-// anonymous spool.
-QStringList carpetasPdf()
-{
-    QString salida = u"${HOME}/PDF"_qs;
-    const QStringList conf = QString::fromUtf8(prueba::leer(u"/etc/cups/cups-pdf.conf"_qs)).split(u'\n');
-    for (const QString &l : conf)
-        if (l.startsWith(u"Out "))
-            salida = l.mid(4).trimmed();
-    salida.replace(u"${HOME}"_qs, QDir::homePath());
-    return {salida, u"/var/spool/cups-pdf/ANONYMOUS"_qs};
-}
-
+// The PDF files in the folder cups-pdf writes to: its "Out" setting, ${HOME} the user's home.
 QStringList pdfs()
 {
+    QString carpeta = u"${HOME}/PDF"_qs;
+    for (const QString &l : QString::fromUtf8(prueba::leer(u"/etc/cups/cups-pdf.conf"_qs)).split(u'\n'))
+        if (l.startsWith(u"Out "))
+            carpeta = l.mid(4).trimmed();
+    const QDir dir(carpeta.replace(u"${HOME}"_qs, QDir::homePath()));
     QStringList r;
-    for (const QString &c : carpetasPdf())
-        for (const QString &f : QDir(c).entryList({u"*.pdf"_qs}, QDir::Files))
-            r << QDir(c).filePath(f);
+    for (const QString &f : dir.entryList({u"*.pdf"_qs}, QDir::Files))
+        r << dir.filePath(f);
     return r;
 }
 
@@ -128,82 +106,71 @@ private Q_SLOTS:
     void init() { QLocale::setDefault(QLocale::c()); }
     void cleanup() { qunsetenv("LPDEST"); }
 
-    // The dialog opened on the default destination (LPDEST chooses it for this process only).
-    void apertura_data()
+    // The dialog on the default destination (LPDEST chooses it for this process only), the
+    // orientation shown on opening (after ProponerApaisado when asked), steps, and the globals.
+    void dialogo_data()
     {
         QTest::addColumn<QByteArray>("destino");
-        QTest::addColumn<QString>("orientacion");
-        QTest::addColumn<QString>("propuesta");
-        QTest::newRow("cola vertical") << QByteArray() << "Vertical" << "Horizontal";
-        QTest::newRow("cola apaisada") << QByteArray("PDF_Apaisado") << "Horizontal" << "Vertical";
+        QTest::addColumn<bool>("proponer");
+        QTest::addColumn<QString>("abierta");
+        QTest::addColumn<QString>("pasos");
+        QTest::addColumn<QString>("antes");
+        QTest::addColumn<QString>("elegida");
+        QTest::addColumn<bool>("cancelada");
+        const QByteArray apaisada("PDF_Apaisado");
+        QTest::newRow("vertical") << QByteArray() << false << "Vertical" << "a"
+            << "X|Horizontal" << "PDF|Vertical" << false;
+        QTest::newRow("vertical, propuesta apaisada") << QByteArray() << true << "Horizontal" << "a"
+            << "X|Vertical" << "PDF|Horizontal" << false;
+        QTest::newRow("apaisada") << apaisada << false << "Horizontal" << "a"
+            << "X|Vertical" << "PDF_Apaisado|Horizontal" << false;
+        QTest::newRow("apaisada, propuesta vertical") << apaisada << true << "Vertical" << "a"
+            << "X|Horizontal" << "PDF_Apaisado|Vertical" << false;
+        QTest::newRow("otra cola, girada") << QByteArray() << false << "Vertical" << "vpa"
+            << "X|Vertical" << "PDF_Apaisado|Horizontal" << false;
+        QTest::newRow("cancelar conserva lo aceptado") << QByteArray() << false << "Vertical" << "pc"
+            << "PDF_Apaisado|Vertical" << "PDF_Apaisado|Vertical" << true;
+        QTest::newRow("escape cancela") << QByteArray() << false << "Vertical" << "vpe"
+            << "PDF|Vertical" << "PDF|Vertical" << true;
     }
-    void apertura()
+    void dialogo()
     {
         QFETCH(QByteArray, destino);
-        QFETCH(QString, orientacion);
-        QFETCH(QString, propuesta);
+        QFETCH(QString, pasos);
+        QFETCH(QString, antes);
+        QFETCH(bool, cancelada);
         if (!destino.isEmpty())
             qputenv("LPDEST", destino);
+        ImpresoraElegida = antes.section(u'|', 0, 0);
+        OrientacionElegida = antes.section(u'|', 1);
+        ImpresoraCancelada = !cancelada;
+        QFETCH(bool, proponer);
         Impresora d;
-        d.show();
-        QCoreApplication::processEvents();
-        auto *lista = control<QComboBox>(&d, u"ListaImpresoras");
-        QStringList entradas;
-        for (int i = 0; i < lista->count(); ++i)
-            entradas << lista->itemText(i);
-        QCOMPARE(entradas, colasDeLpstat());
-        QCOMPARE(lista->currentText(), destinoDeLpstat());
-        QCOMPARE(lista->toolTip(), destinoDeLpstat());
-
-        auto *modo = control<QPushButton>(&d, u"ModoPapel");
-        auto *iconos = d.findChild<ListaIconos *>(u"MisIconos"_qs);
-        QVERIFY(iconos);
-        for (const QString &esperada : {orientacion, propuesta}) {
-            QCOMPARE(modo->property("tag").toString(), esperada);
-            QCOMPARE(modo->toolTip(), u"Papel "_qs + esperada);
-            QCOMPARE(imagen(modo->icon()), imagen(iconos->Icono(esperada)));
+        if (proponer)
             d.ProponerApaisado();
-        }
-    }
-
-    void eleccion_data()
-    {
-        QTest::addColumn<QString>("antesImpresora");
-        QTest::addColumn<QString>("antesOrientacion");
-        QTest::addColumn<QString>("pasos");
-        QTest::addColumn<QString>("impresora");
-        QTest::addColumn<QString>("orientacion");
-        QTest::addColumn<bool>("cancelada");
-        QTest::newRow("aceptar lo propuesto") << "X" << "Horizontal" << "a"
-            << "PDF" << "Vertical" << false;
-        QTest::newRow("otra cola, apaisado") << "X" << "Vertical" << "vpa"
-            << "PDF_Apaisado" << "Horizontal" << false;
-        QTest::newRow("cancelar conserva lo aceptado") << "PDF_Apaisado" << "Horizontal" << "pc"
-            << "PDF_Apaisado" << "Horizontal" << true;
-        QTest::newRow("escape cancela") << "PDF" << "Vertical" << "vpe"
-            << "PDF" << "Vertical" << true;
-    }
-    void eleccion()
-    {
-        QFETCH(QString, antesImpresora);
-        QFETCH(QString, antesOrientacion);
-        QFETCH(QString, pasos);
-        ImpresoraElegida = antesImpresora;
-        OrientacionElegida = antesOrientacion;
-        ImpresoraCancelada = !ImpresoraCancelada;
-        QString pista;
-        Impresora d;
+        QStringList entradas, vistas;
+        bool dibujo = false;
         prueba::alAbrirse([&](QWidget *w) {
+            auto *lista = control<QComboBox>(w, u"ListaImpresoras");
+            for (int i = 0; i < lista->count(); ++i)
+                entradas << lista->itemText(i);
+            auto *modo = control<QPushButton>(w, u"ModoPapel");
+            const QString tag = modo->property("tag").toString();
+            vistas << lista->currentText() << lista->toolTip() << tag << modo->toolTip();
+            dibujo = imagen(modo->icon()) == imagen(d.findChild<ListaIconos *>(u"MisIconos"_qs)->Icono(tag));
             recorrer(w, pasos.chopped(1));
-            pista = control(w, u"ListaImpresoras")->toolTip();
+            vistas << lista->toolTip(); // follows the entry chosen
             recorrer(w, pasos.right(1));
         });
         d.exec();
-        QTEST(ImpresoraElegida, "impresora");
-        QTEST(OrientacionElegida, "orientacion");
-        QTEST(ImpresoraCancelada, "cancelada");
-        // The list's tool tip follows the entry chosen.
-        QCOMPARE(pista, pasos.contains(u'v') ? u"PDF_Apaisado"_qs : u"PDF"_qs);
+        QCOMPARE(entradas, colasDeLpstat());
+        const QString omision = destinoDeLpstat();
+        QFETCH(QString, abierta);
+        const QString ultima = pasos.contains(u'v') ? u"PDF_Apaisado"_qs : omision;
+        QCOMPARE(vistas, QStringList({omision, omision, abierta, u"Papel "_qs + abierta, ultima}));
+        QVERIFY(dibujo);
+        QTEST(ImpresoraElegida + u'|' + OrientacionElegida, "elegida");
+        QCOMPARE(ImpresoraCancelada, cancelada);
     }
 
     // The calculator's tape printed from its context menu: a PDF comes out of cups-pdf holding
@@ -224,74 +191,42 @@ private Q_SLOTS:
         QPointer<MiCalc> calc = new MiCalc;
         calc->show();
         QCoreApplication::processEvents();
-        for (const char *t : {"12.5", "+", "7", "+", "=", "3", "*", "4", "="})
-            QTest::keyClicks(calc, QString::fromLatin1(t));
+        QTest::keyClicks(calc, u"12.5+7+=3*4="_qs);
         auto *papel = control<QPlainTextEdit>(calc, u"Papel");
-        QStringList lineas = papel->toPlainText().split(u'\n', Qt::SkipEmptyParts);
-        for (QString &l : lineas)
-            l = l.simplified();
-        lineas.removeAll(QString());
+        QStringList lineas;
+        for (const QString &l : papel->toPlainText().split(u'\n'))
+            if (!l.simplified().isEmpty())
+                lineas << l.simplified();
         QVERIFY(lineas.size() >= 4);
 
         const QStringList antes = pdfs();
-        cuandoAparezca([] { return QApplication::activePopupWidget(); }, [](QWidget *menu) {
-            QTest::keyClick(menu, Qt::Key_Down);
+        cuandoAparezca(&QApplication::activePopupWidget, [](QWidget *menu) {
+            QTest::keyClick(menu, Qt::Key_Down); // "Imprimir cinta…"
             QTest::keyClick(menu, Qt::Key_Return);
         });
-        cuandoAparezca(dialogoAbierto, [pasos](QWidget *d) { recorrer(d, pasos); });
-        QWidget *vista = papel->viewport();
-        QContextMenuEvent menu(QContextMenuEvent::Mouse, QPoint(5, 5), vista->mapToGlobal(QPoint(5, 5)));
-        QApplication::sendEvent(vista, &menu);
+        cuandoAparezca(&QApplication::activeModalWidget, [pasos](QWidget *d) { recorrer(d, pasos); });
+        QContextMenuEvent menu(QContextMenuEvent::Mouse, QPoint(5, 5), papel->mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(papel->viewport(), &menu);
         calc->close();
 
         QString nuevo;
         QVERIFY2(QTest::qWaitFor([&] {
-            const QStringList ahora = pdfs();
-            for (const QString &f : ahora)
+            for (const QString &f : pdfs())
                 if (!antes.contains(f))
                     nuevo = f;
             return !nuevo.isEmpty();
         }, 60000), "cups-pdf no ha escrito ningún PDF en un minuto");
-        QTest::qWait(500); // cups-pdf writes the file in place
+        QTest::qWait(500); // cups-pdf may still be writing it
         const QString texto = ejecutar(u"pdftotext"_qs, {u"-layout"_qs, nuevo, u"-"_qs}).simplified();
         for (const QString &l : lineas)
             QVERIFY2(texto.contains(l), qPrintable(l + u" no está en: "_qs + texto));
         // The first word's box: taller than wide when the text runs up the sheet.
-        const QRegularExpression caja(uR"re(xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)" yMax="([\d.]+)")re"_qs);
-        const auto m = caja.match(ejecutar(u"pdftotext"_qs, {u"-bbox"_qs, nuevo, u"-"_qs}));
+        const auto m = QRegularExpression(uR"re(xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)" yMax="([\d.]+)")re"_qs)
+                           .match(ejecutar(u"pdftotext"_qs, {u"-bbox"_qs, nuevo, u"-"_qs}));
         QVERIFY(m.hasMatch());
-        const double ancho = m.captured(3).toDouble() - m.captured(1).toDouble();
-        const double alto = m.captured(4).toDouble() - m.captured(2).toDouble();
-        QCOMPARE(alto > ancho, apaisada);
+        QCOMPARE(m.captured(4).toDouble() - m.captured(2).toDouble()
+                     > m.captured(3).toDouble() - m.captured(1).toDouble(), apaisada);
         QFile::remove(nuevo);
-    }
-
-    void guardarCinta()
-    {
-        QTemporaryDir dir;
-        const QString ruta = dir.filePath(u"cinta.txt"_qs);
-        QPointer<MiCalc> calc = new MiCalc;
-        calc->show();
-        QCoreApplication::processEvents();
-        QTest::keyClicks(calc, u"2+3="_qs);
-        auto *papel = control<QPlainTextEdit>(calc, u"Papel");
-        const QString esperado = papel->toPlainText().remove(u'\r').trimmed() + u'\n';
-        cuandoAparezca([] { return QApplication::activePopupWidget(); }, [](QWidget *menu) {
-            QTest::keyClick(menu, Qt::Key_Down);
-            QTest::keyClick(menu, Qt::Key_Down);
-            QTest::keyClick(menu, Qt::Key_Return);
-        });
-        cuandoAparezca([] { return qobject_cast<QFileDialog *>(QApplication::activeModalWidget()); },
-                       [ruta](QWidget *w) {
-                           auto *f = static_cast<QFileDialog *>(w);
-                           f->selectFile(ruta);
-                           QMetaObject::invokeMethod(f, "accept");
-                       });
-        QWidget *vista = papel->viewport();
-        QContextMenuEvent menu(QContextMenuEvent::Keyboard, QPoint(5, 5), vista->mapToGlobal(QPoint(5, 5)));
-        QApplication::sendEvent(vista, &menu);
-        calc->close();
-        QCOMPARE(QString::fromUtf8(prueba::leer(ruta)), esperado);
     }
 
     void sinImpresoras()
@@ -304,7 +239,6 @@ private Q_SLOTS:
             cupsSetServer(nullptr);
         });
         ImpresoraElegida = u"PDF"_qs;
-        OrientacionElegida = u"Vertical"_qs;
         ImpresoraCancelada = false;
         Impresora d;
         d.show();
@@ -312,8 +246,6 @@ private Q_SLOTS:
         auto *lista = control<QComboBox>(&d, u"ListaImpresoras");
         QCOMPARE(lista->count(), 0);
         QCOMPARE(lista->placeholderText(), u"No hay ninguna impresora instalada"_qs);
-        prueba::pulsar(control(&d, u"ModoPapel"));
-        QCOMPARE(control(&d, u"ModoPapel")->property("tag").toString(), QString());
         prueba::pulsar(control(&d, u"cmdAceptar"));
         QVERIFY(!d.isVisible());
         QCOMPARE(ImpresoraElegida, QString());
