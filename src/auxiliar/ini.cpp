@@ -1,5 +1,6 @@
 #include "kvr/ini.h"
 
+#include "kvr/contactos.h"
 #include "kvr/error.h"
 
 #include <QFile>
@@ -8,10 +9,6 @@
 #include <QSaveFile>
 #include <QStringDecoder>
 
-#if __has_include(<kvr/contactos.h>)
-#include <kvr/contactos.h>
-#define KVR_CON_CONTACTOS 1
-#endif
 
 namespace kvr {
 
@@ -303,11 +300,9 @@ void BorrarIni(const QString &fichero, const QString &seccion, const QString &cl
     guardar(fichero, ini.bytes);
 }
 
-#ifdef KVR_CON_CONTACTOS
 QString FicheroNotas()
 {
     return CarpetaContactos() + QStringLiteral("Notas.INI");
 }
-#endif
 
 } // namespace kvr

@@ -140,6 +140,21 @@ private Q_SLOTS:
         QCOMPARE(LeerIni(fichero(), u"GENERAL"_qs, u"usuario"_qs), u"Ana"_qs);
     }
 
+    // The notes file follows the phone book's "TLF" folder, written with or without its "/".
+    void ficheroNotas_data()
+    {
+        QTest::addColumn<QString>("tlf");
+        QTest::newRow("con barra") << m_dir.path() + u'/';
+        QTest::newRow("sin barra") << m_dir.path();
+    }
+    void ficheroNotas()
+    {
+        QFETCH(QString, tlf);
+        qputenv("TLF", QFile::encodeName(tlf));
+        QCOMPARE(FicheroNotas(), m_dir.path() + u"/Notas.INI"_qs);
+        qunsetenv("TLF");
+    }
+
     void errores_data()
     {
         QTest::addColumn<QString>("seccion");
