@@ -14,6 +14,8 @@ namespace kvr {
 // Upper case of UTF-8 text, character by character (one character gives one character, as a
 // field's upper case does), appended to `destino`.
 void MayusculasUtf8(std::string_view texto, std::string &destino);
+// The same into a buffer with room for twice the bytes of `texto`; returns the end written.
+char *MayusculasUtf8(std::string_view texto, char *destino);
 
 class IndiceBusqueda {
 public:

@@ -33,6 +33,10 @@ QByteArray BytesDeDos(const QString &texto);
 // becomes "?", like a character CP850 lacks.
 void Utf8DeDos(std::string_view dos, std::string &destino);
 void DosDeUtf8(std::string_view utf8, QByteArray &destino);
+// The same into a buffer the caller sized (3 bytes a CP850 byte; 1 byte a UTF-8 byte); the
+// result is the end of what was written.
+char *Utf8DeDos(std::string_view dos, char *destino);
+char *DosDeUtf8(std::string_view utf8, char *destino);
 
 // True when `ruta` exists; when `carpeta` is true it must also be a folder. An empty path or one
 // that cannot be read gives false.

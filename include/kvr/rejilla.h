@@ -162,6 +162,10 @@ public:
     void Reservar(int filas, const std::vector<std::size_t> &bytes = {});
     // The UTF-8 bytes of a cell, valid until the grid next changes.
     std::string_view CeldaUtf8(int fila, int col) const;
+    // A hint for a pass over the rows in their order, whose cells lie all over memory once the
+    // rows were sorted: asks the processor for a row's cell references (`textos` false) or for
+    // the texts they point at (`textos` true, once the references are at hand). Nothing changes.
+    void Precargar(int fila, bool textos) const;
     // Removes a row. A fixed row, or the last row below the fixed ones, cannot be removed.
     void RemoveItem(int fila);
 

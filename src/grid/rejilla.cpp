@@ -550,6 +550,19 @@ std::string_view Rejilla::CeldaUtf8(int fila, int col) const
     return std::string_view(c.bytes.data() + inicioDe(ref), largoDe(ref));
 }
 
+void Rejilla::Precargar(int fila, bool textos) const
+{
+    if (fila < 0 || fila >= Rows())
+        return;
+    const uint32_t r = ranura(fila);
+    for (const Columna &c : m_columnas) {
+        if (textos)
+            __builtin_prefetch(c.bytes.data() + inicioDe(c.refs[r]));
+        else
+            __builtin_prefetch(c.refs.data() + r);
+    }
+}
+
 void Rejilla::RemoveItem(int fila)
 {
     comprobarFila(fila);

@@ -15,6 +15,7 @@
 #include <QChar>
 
 #include <algorithm>
+#include <string_view>
 #include <array>
 #include <cmath>
 #include <cstring>
@@ -556,6 +557,23 @@ void Rejilla::ordenarClaves(std::vector<char> &claves, std::vector<uint32_t> &in
     if (descendente)
         for (char &b : claves)
             b = char(~static_cast<unsigned char>(b));
+    // Rows already in order (a file saved sorted, a save after a sort) stay as they are, which is
+    // what a stable sort would leave, for one pass over the keys in row order.
+    {
+        const std::size_t n = posiciones.size();
+        std::vector<uint32_t> claveDeFila(n);
+        for (std::size_t k = 0; k < n; ++k)
+            claveDeFila[posiciones[k]] = uint32_t(k);
+        const auto clave = [&](std::size_t fila) {
+            const uint32_t k = claveDeFila[fila];
+            return std::string_view(claves.data() + inicios[k], inicios[k + 1] - inicios[k]);
+        };
+        bool enOrden = true;
+        for (std::size_t f = 1; f < n && enOrden; ++f)
+            enOrden = clave(f - 1) <= clave(f);
+        if (enOrden)
+            return;
+    }
     std::vector<uint32_t> orden = OrdenRadix(claves, inicios, posiciones).ordenar();
 
     const bool a = avisar();

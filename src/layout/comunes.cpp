@@ -146,12 +146,8 @@ QByteArray BytesDeDos(const QString &texto)
     return r;
 }
 
-void Utf8DeDos(std::string_view dos, std::string &destino)
+char *Utf8DeDos(std::string_view dos, char *d)
 {
-    const TablaDos &t = tabla();
-    const std::size_t inicio = destino.size();
-    destino.resize(inicio + dos.size() * 3);
-    char *d = destino.data() + inicio;
     if (SinConvertirJuego) {
         for (const char b : dos) {
             const unsigned char c = static_cast<unsigned char>(b);
@@ -164,35 +160,43 @@ void Utf8DeDos(std::string_view dos, std::string &destino)
                 *d++ = char(0x80 | (c & 0x3F));
             }
         }
-    } else {
-        for (const char b : dos) {
-            const auto &u = t.aUtf8[static_cast<unsigned char>(b)];
-            d[0] = u.b[0];
-            d[1] = u.b[1];
-            d[2] = u.b[2];
-            d += u.n;
-        }
+        return d;
     }
-    destino.resize(std::size_t(d - destino.data()));
+    const TablaDos &t = tabla();
+    for (const char b : dos) {
+        const auto &u = t.aUtf8[static_cast<unsigned char>(b)];
+        d[0] = u.b[0];
+        d[1] = u.b[1];
+        d[2] = u.b[2];
+        d += u.n;
+    }
+    return d;
 }
 
-void DosDeUtf8(std::string_view utf8, QByteArray &destino)
+void Utf8DeDos(std::string_view dos, std::string &destino)
+{
+    const std::size_t inicio = destino.size();
+    destino.resize(inicio + dos.size() * 3);
+    char *fin = Utf8DeDos(dos, destino.data() + inicio);
+    destino.resize(std::size_t(fin - destino.data()));
+}
+
+char *DosDeUtf8(std::string_view utf8, char *d)
 {
     const TablaDos &t = tabla();
-    const qsizetype inicio = destino.size();
-    destino.resize(inicio + qsizetype(utf8.size()));
-    char *d = destino.data() + inicio;
     const auto *p = reinterpret_cast<const unsigned char *>(utf8.data());
     const auto *fin = p + utf8.size();
     const auto continuacion = [&](int i) { return p + i < fin && (p[i] & 0xC0) == 0x80; };
     while (p < fin) {
         const unsigned char c = *p;
+        if (c < 0x80) {
+            *d++ = c == 0 ? ' ' : char(c);
+            ++p;
+            continue;
+        }
         char32_t cp;
         int largo;
-        if (c < 0x80) {
-            cp = c;
-            largo = 1;
-        } else if (c >= 0xC2 && c < 0xE0 && continuacion(1)) {
+        if (c >= 0xC2 && c < 0xE0 && continuacion(1)) {
             cp = char32_t(c & 0x1F) << 6 | (p[1] & 0x3F);
             largo = 2;
         } else if (c >= 0xE0 && c < 0xF0 && continuacion(1) && continuacion(2)) {
@@ -212,11 +216,19 @@ void DosDeUtf8(std::string_view utf8, QByteArray &destino)
         }
         p += largo;
         if (SinConvertirJuego)
-            *d++ = cp == 0 ? ' ' : cp < 0x100 ? char(cp) : '?';
+            *d++ = cp < 0x100 ? char(cp) : '?';
         else
             *d++ = cp < 0x10000 ? t.aDos[cp] : '?';
     }
-    destino.resize(qsizetype(d - destino.data()));
+    return d;
+}
+
+void DosDeUtf8(std::string_view utf8, QByteArray &destino)
+{
+    const qsizetype inicio = destino.size();
+    destino.resize(inicio + qsizetype(utf8.size()));
+    char *fin = DosDeUtf8(utf8, destino.data() + inicio);
+    destino.resize(qsizetype(fin - destino.data()));
 }
 
 bool Existe(const QString &ruta, bool carpeta)

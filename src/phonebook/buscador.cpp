@@ -9,35 +9,32 @@ namespace kvr {
 
 namespace {
 
-void ponerUtf8(char32_t c, std::string &d)
+char *ponerUtf8(char32_t c, char *d)
 {
     if (c < 0x80) {
-        d.push_back(char(c));
+        *d++ = char(c);
     } else if (c < 0x800) {
-        d.push_back(char(0xC0 | (c >> 6)));
-        d.push_back(char(0x80 | (c & 0x3F)));
-    } else if (c < 0x10000) {
-        d.push_back(char(0xE0 | (c >> 12)));
-        d.push_back(char(0x80 | ((c >> 6) & 0x3F)));
-        d.push_back(char(0x80 | (c & 0x3F)));
+        *d++ = char(0xC0 | (c >> 6));
+        *d++ = char(0x80 | (c & 0x3F));
     } else {
-        d.push_back(char(0xF0 | (c >> 18)));
-        d.push_back(char(0x80 | ((c >> 12) & 0x3F)));
-        d.push_back(char(0x80 | ((c >> 6) & 0x3F)));
-        d.push_back(char(0x80 | (c & 0x3F)));
+        // Upper case stays in the Basic Multilingual Plane.
+        *d++ = char(0xE0 | (c >> 12));
+        *d++ = char(0x80 | ((c >> 6) & 0x3F));
+        *d++ = char(0x80 | (c & 0x3F));
     }
+    return d;
 }
 
 } // namespace
 
-void MayusculasUtf8(std::string_view texto, std::string &destino)
+char *MayusculasUtf8(std::string_view texto, char *d)
 {
     const auto *p = reinterpret_cast<const unsigned char *>(texto.data());
     const auto *fin = p + texto.size();
     while (p < fin) {
         const unsigned char c = *p;
         if (c < 0x80) {
-            destino.push_back(char(c >= 'a' && c <= 'z' ? c - 32 : c));
+            *d++ = char(c >= 'a' && c <= 'z' ? c - 32 : c);
             ++p;
             continue;
         }
@@ -45,17 +42,25 @@ void MayusculasUtf8(std::string_view texto, std::string &destino)
         int largo = c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : c >= 0xC0 ? 2 : 1;
         if (fin - p < largo)
             largo = 1;
-        char32_t cp = 0;
-        if (largo == 2)
-            cp = char32_t(c & 0x1F) << 6 | (p[1] & 0x3F);
-        else if (largo == 3)
-            cp = char32_t(c & 0x0F) << 12 | char32_t(p[1] & 0x3F) << 6 | (p[2] & 0x3F);
-        if (largo == 2 || largo == 3)
-            ponerUtf8(QChar::toUpper(cp), destino);
-        else
-            destino.append(reinterpret_cast<const char *>(p), std::size_t(largo));
+        if (largo == 2 || largo == 3) {
+            const char32_t cp = largo == 2 ? char32_t(c & 0x1F) << 6 | (p[1] & 0x3F)
+                                           : char32_t(c & 0x0F) << 12 | char32_t(p[1] & 0x3F) << 6 | (p[2] & 0x3F);
+            d = ponerUtf8(QChar::toUpper(cp), d);
+        } else {
+            std::memcpy(d, p, std::size_t(largo));
+            d += largo;
+        }
         p += largo;
     }
+    return d;
+}
+
+void MayusculasUtf8(std::string_view texto, std::string &destino)
+{
+    const std::size_t inicio = destino.size();
+    destino.resize(inicio + texto.size() * 2);
+    char *fin = MayusculasUtf8(texto, destino.data() + inicio);
+    destino.resize(std::size_t(fin - destino.data()));
 }
 
 void IndiceBusqueda::Vaciar()
@@ -71,14 +76,31 @@ void IndiceBusqueda::Construir(const Rejilla &grid, const std::vector<int> &colu
     if (filas <= 0)
         return;
     m_inicios.reserve(std::size_t(filas));
-    m_texto.reserve(std::size_t(grid.BytesTexto()) + std::size_t(filas));
+    // Upper case is at most twice as long in UTF-8 (two bytes that become three), so each row
+    // makes sure of room for twice its bytes before writing.
+    m_texto.resize(std::size_t(grid.BytesTexto()) + std::size_t(filas) * 4);
+    std::size_t usado = 0;
     for (int f = primeraFila; f < grid.Rows(); ++f) {
-        m_inicios.push_back(uint32_t(m_texto.size()));
+        grid.Precargar(f + 16, false);
+        grid.Precargar(f + 8, true);
+        std::string_view celdas[8];
+        std::size_t largo = 1, n = 0;
         for (const int c : columnas)
-            if (c < grid.Cols())
-                MayusculasUtf8(grid.CeldaUtf8(f, c), m_texto);
-        m_texto.push_back('\0');
+            if (c < grid.Cols() && n < 8) {
+                celdas[n] = grid.CeldaUtf8(f, c);
+                largo += celdas[n++].size() * 2;
+            }
+        if (m_texto.size() < usado + largo)
+            m_texto.resize(std::max(m_texto.size() * 3 / 2, usado + largo));
+        m_inicios.push_back(uint32_t(usado));
+        char *d = m_texto.data() + usado;
+        for (std::size_t i = 0; i < n; ++i)
+            d = MayusculasUtf8(celdas[i], d);
+        *d++ = '\0';
+        usado = std::size_t(d - m_texto.data());
     }
+    m_texto.resize(usado);
+    m_texto.shrink_to_fit();
 }
 
 std::vector<unsigned char> IndiceBusqueda::Buscar(const QString &texto) const

@@ -14,7 +14,9 @@
 
 #include <sys/stat.h>
 
+#include <cstring>
 #include <string>
+#include <vector>
 #include <string_view>
 
 namespace kvr {
@@ -117,7 +119,9 @@ void ContactosDeTexto(QByteArrayView datos, Rejilla &grid)
     grid.PonerRedraw(false);
     grid.Reservar(int(std::min<qsizetype>(lineas, 1 << 30)));
 
-    std::string linea;
+    // Each line is decoded into one buffer, sized for the longest line seen (3 UTF-8 bytes at
+    // most a CP850 byte), and its cells go from there into the grid's columns.
+    std::vector<char> linea;
     std::string_view celdas[Columnas];
     while (p < fin) {
         // Past the line end: CR LF is one end; CR or LF alone is one too.
@@ -130,16 +134,19 @@ void ContactosDeTexto(QByteArrayView datos, Rejilla &grid)
             ++p;
         if (p == inicio)
             continue; // an empty line holds no contact
-        linea.clear();
-        Utf8DeDos(std::string_view(inicio, std::size_t(p - inicio)), linea);
+        const std::size_t largo = std::size_t(p - inicio);
+        if (linea.size() < largo * 3)
+            linea.resize(largo * 3);
+        const char *const d = linea.data();
+        const char *const e = Utf8DeDos(std::string_view(inicio, largo), linea.data());
         int n = 0;
-        std::size_t desde = 0;
+        const char *c = d;
         while (n < Columnas) {
-            const std::size_t tab = linea.find('\t', desde);
-            celdas[n++] = std::string_view(linea).substr(desde, tab == std::string::npos ? std::string::npos : tab - desde);
-            if (tab == std::string::npos)
+            const char *tab = static_cast<const char *>(std::memchr(c, '\t', std::size_t(e - c)));
+            celdas[n++] = std::string_view(c, std::size_t((tab ? tab : e) - c));
+            if (!tab)
                 break;
-            desde = tab + 1;
+            c = tab + 1;
         }
         grid.AgregarFilaUtf8(celdas, n);
     }
@@ -151,27 +158,27 @@ void ContactosDeTexto(QByteArrayView datos, Rejilla &grid)
 
 QByteArray TextoContactos(const Rejilla &grid)
 {
-    QByteArray datos;
-    datos.reserve(qsizetype(grid.BytesTexto()) + qsizetype(grid.Rows()) * grid.Cols() + 2);
-    std::string limpia;
+    // A CP850 text is never longer than its UTF-8: room for every cell, separator and the end.
+    QByteArray datos(qsizetype(grid.BytesTexto()) + qsizetype(grid.Rows()) * grid.Cols() + 2, Qt::Uninitialized);
+    char *d = datos.data();
     for (int fila = 0; fila < grid.Rows(); ++fila) {
+        grid.Precargar(fila + 16, false);
+        grid.Precargar(fila + 8, true);
         if (fila > 0)
-            datos += '\r';
+            *d++ = '\r';
         for (int col = 0; col < grid.Cols(); ++col) {
             if (col > 0)
-                datos += '\t';
-            std::string_view celda = grid.CeldaUtf8(fila, col);
-            if (celda.find_first_of("\t\r\n") != std::string_view::npos) {
-                limpia.assign(celda);
-                for (char &c : limpia)
-                    if (c == '\t' || c == '\r' || c == '\n')
-                        c = ' ';
-                celda = limpia;
-            }
-            DosDeUtf8(celda, datos);
+                *d++ = '\t';
+            char *const inicio = d;
+            d = DosDeUtf8(grid.CeldaUtf8(fila, col), d);
+            for (char *q = inicio; q < d; ++q)
+                if (*q == '\t' || *q == '\r' || *q == '\n')
+                    *q = ' ';
         }
     }
-    datos += "\r\n";
+    *d++ = '\r';
+    *d++ = '\n';
+    datos.truncate(qsizetype(d - datos.data()));
     return datos;
 }
 
