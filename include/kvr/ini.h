@@ -13,8 +13,10 @@ namespace kvr {
 QString LeerIni(const QString &fichero, const QString &seccion, const QString &clave,
                 const QString &porOmision = {});
 // Sets `clave` in `seccion` to `valor`, adding the key at the end of its section, or the section
-// at the end of the file, when missing. A section name holding "]", a key holding "=", or a line
-// break in any of them: ErrorEjecucion 5. File errors: ErrorEjecucion 75 or 57.
+// at the end of the file, when missing. A section name holding "]", a key holding "=" or
+// beginning with ";" or "[", a line break in any of them, or a name that a Windows-1252 file
+// cannot hold: ErrorEjecucion 5 (in a value such characters become "?", as the desktop writes
+// them). File errors: ErrorEjecucion 75 or 57.
 void GrabarIni(const QString &fichero, const QString &seccion, const QString &clave,
                const QString &valor);
 // Removes `clave` from `seccion`; with no key, the whole section. Nothing to remove does nothing.

@@ -247,6 +247,9 @@ void GrabarIni(const QString &fichero, const QString &seccion, const QString &cl
         throw ErrorEjecucion(ErrorEjecucion::ArgumentoNoValido);
     comprobarNombre(s, u"]");
     comprobarNombre(k, u"=");
+    // A key written as ";x" or "[x" would be read back as a comment or a section.
+    if (k.startsWith(u';') || k.startsWith(u'['))
+        throw ErrorEjecucion(ErrorEjecucion::ArgumentoNoValido);
     comprobarNombre(valor, {});
 
     bool existe = false;
@@ -255,6 +258,10 @@ void GrabarIni(const QString &fichero, const QString &seccion, const QString &cl
     // in it, and UTF-8 otherwise; a file already in one of them keeps it.
     if (ini.ascii)
         ini.utf8 = !cabeEnAnsi(s + k + valor);
+    // A value Windows-1252 cannot hold loses those characters, as on the desktop; a name that
+    // lost them could not be found again.
+    else if (!ini.utf8 && !cabeEnAnsi(s + k))
+        throw ErrorEjecucion(ErrorEjecucion::ArgumentoNoValido);
 
     qsizetype cabecera, ultimo, fin;
     if (!ini.seccion(s, cabecera, ultimo, fin)) {

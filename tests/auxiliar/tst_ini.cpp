@@ -165,6 +165,8 @@ private Q_SLOTS:
         QTest::newRow("sección con corchete") << u"a]b"_qs << u"k"_qs << u"v"_qs << false << 5;
         QTest::newRow("clave con igual") << u"s"_qs << u"k=1"_qs << u"v"_qs << false << 5;
         QTest::newRow("valor con salto") << u"s"_qs << u"k"_qs << u"v\r\nw=1"_qs << false << 5;
+        QTest::newRow("clave que sería comentario") << u"s"_qs << u";k"_qs << u"v"_qs << false << 5;
+        QTest::newRow("nombre que Windows-1252 no tiene") << u"Łódź"_qs << u"k"_qs << u"v"_qs << false << 5;
         QTest::newRow("clave vacía") << u"s"_qs << u" "_qs << u"v"_qs << false << 5;
         QTest::newRow("el fichero es una carpeta") << u"s"_qs << u"k"_qs << u"v"_qs << true << 75;
     }

@@ -1,0 +1,83 @@
+// Random bytes as an INI file, with a section and a key taken from the input: reading must take
+// any file; a value written must read back, the other keys must keep their values, and the bytes
+// before the written line must stay as they were. A run-time error (a name the format cannot
+// hold) is an allowed outcome; a crash, a hang or a sanitizer report is not.
+#include <kvr/error.h>
+#include <kvr/ini.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+
+#include <cstdint>
+#include <cstdlib>
+
+namespace {
+
+QString fichero()
+{
+    static const QString f = [] {
+        const QString d = QDir::tempPath() + QStringLiteral("/fuzz_ini_%1").arg(QCoreApplication::applicationPid());
+        QDir().mkpath(d);
+        return d + QStringLiteral("/prueba.ini");
+    }();
+    return f;
+}
+
+QByteArray leer()
+{
+    QFile f(fichero());
+    if (!f.open(QIODevice::ReadOnly))
+        std::abort();
+    return f.readAll();
+}
+
+} // namespace
+
+// Input: "section\nkey\nother key\n" then the file's bytes.
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tam)
+{
+    const QByteArray entrada(reinterpret_cast<const char *>(datos), qsizetype(tam));
+    const QList<QByteArray> partes = entrada.split('\n');
+    if (partes.size() < 4)
+        return 0;
+    const QString seccion = QString::fromUtf8(partes[0]);
+    const QString clave = QString::fromUtf8(partes[1]);
+    const QString otra = QString::fromUtf8(partes[2]);
+    const QByteArray bytes = entrada.mid(partes[0].size() + partes[1].size() + partes[2].size() + 3);
+    {
+        QFile f(fichero());
+        if (!f.open(QIODevice::WriteOnly))
+            std::abort();
+        f.write(bytes);
+    }
+    const QString antesOtra = kvr::LeerIni(fichero(), seccion, otra, QStringLiteral("\x01"));
+    try {
+        kvr::GrabarIni(fichero(), seccion, clave, QStringLiteral("Valor 1"));
+    } catch (const kvr::ErrorEjecucion &) {
+        if (leer() != bytes) // refused: the file is untouched
+            std::abort();
+        return 0;
+    }
+    const QByteArray despues = leer();
+    if (kvr::LeerIni(fichero(), seccion, clave) != QStringLiteral("Valor 1"))
+        std::abort();
+    if (otra.trimmed().compare(clave.trimmed(), Qt::CaseInsensitive) != 0
+        && kvr::LeerIni(fichero(), seccion, otra, QStringLiteral("\x01")) != antesOtra)
+        std::abort();
+    // Everything up to the first byte that differs is the old file's, and so is everything after
+    // the last one: only one stretch changed.
+    qsizetype i = 0;
+    while (i < bytes.size() && i < despues.size() && bytes[i] == despues[i])
+        ++i;
+    qsizetype j = 0;
+    while (j < bytes.size() - i && j < despues.size() - i
+           && bytes[bytes.size() - 1 - j] == despues[despues.size() - 1 - j])
+        ++j;
+    const QByteArray cambiado = despues.mid(i, despues.size() - i - j);
+    if (cambiado.count('\n') > 4) // a key line; or the last line's end, a blank line, a header, a key
+        std::abort();
+    kvr::BorrarIni(fichero(), seccion, clave);
+    kvr::BorrarIni(fichero(), seccion);
+    return 0;
+}
