@@ -96,6 +96,8 @@ class TstImpresora : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
+        qunsetenv("LPDEST"); // the queues' own default destination, whatever the caller's
+        qunsetenv("PRINTER");
         if (!ejecutar(u"lpstat"_qs, {u"-r"_qs}).contains(u"scheduler is running"))
             QSKIP("cupsd no responde: sin sistema de impresión no hay colas que probar "
                   "(src/printer/colas_cups.sh lo arranca)");
