@@ -154,6 +154,8 @@ private Q_SLOTS:
         BarraProgreso(ProgresoIniciar, 0, false, 0, 10, QStringLiteral("Uno"));
         QPointer<QWidget> w = ventana();
         QVERIFY(w && w->isVisible());
+        QCOMPARE(QStringList({texto("BarraLbl(0)"), texto("BarraLbl(1)"), texto("BarraLbl(2)")}),
+                 QStringList({u"Transcurrido"_qs, u"Porcentaje"_qs, u"Estimado"_qs}));
         QVERIFY(w->windowFlags() & Qt::FramelessWindowHint);
         BarraProgreso(ProgresoOcultar);
         QVERIFY(w && !w->isVisible());
