@@ -335,6 +335,10 @@ int main(int argc, char **argv)
                      .arg(esperado, 0, 'f', 1)
                      .arg(pared, 0, 'f', 1));
     }
+    objetivo(b.fecha.pared <= 2.0 * b.texto.pared && b.importe.pared <= 2.0 * b.texto.pared,
+             QStringLiteral("date and amount sorts at most twice the text sort: %1 and %2 of it")
+                 .arg(b.fecha.pared / b.texto.pared, 0, 'f', 2)
+                 .arg(b.importe.pared / b.texto.pared, 0, 'f', 2));
     bool memoria = true;
     double peor = 0, peorConOrden = 0;
     for (const Medida &m : medidas) {

@@ -6,7 +6,11 @@
 #include "kvr/numeros.h"
 #include "kvr/servicios.h"
 
+#include <QLocale>
+
 #include <cmath>
+#include <optional>
+#include <string_view>
 
 namespace kvr {
 
@@ -75,6 +79,71 @@ struct Restaurar {
     }
 };
 
+// The fast path of the typed sorts: a cell already in the form the sort would write it in
+// ("dd/mm/yyyy", "#,##0.00" in the current locale) is read straight from its bytes and left as
+// it stands; anything else goes through the regional reading and is rewritten. The fast readers
+// only accept what the slow path would turn into the very same text and value.
+inline bool digito(char c) { return c >= '0' && c <= '9'; }
+
+std::optional<double> fechaCanonica(std::string_view t)
+{
+    if (t.size() != 10 || t[2] != '/' || t[5] != '/')
+        return std::nullopt;
+    for (const int i : {0, 1, 3, 4, 6, 7, 8, 9})
+        if (!digito(t[std::size_t(i)]))
+            return std::nullopt;
+    const int d = (t[0] - '0') * 10 + (t[1] - '0');
+    const int m = (t[3] - '0') * 10 + (t[4] - '0');
+    const int a = (t[6] - '0') * 1000 + (t[7] - '0') * 100 + (t[8] - '0') * 10 + (t[9] - '0');
+    if (a < 1900 || a > 2999) // the years no reading of the text can take for others
+        return std::nullopt;
+    const QDate fecha(a, m, d);
+    if (!fecha.isValid())
+        return std::nullopt;
+    return double(SerieFecha(fecha));
+}
+
+// [-]d{1,3}(<group>ddd)*<decimal>dd, no leading zero, no "-0<decimal>00", at most 15 digits (so
+// that the value prints back to the same digits): the amount in cents, divided once, which is
+// the double nearest to the decimal text, as a regional reading gives.
+std::optional<double> importeCanonico(std::string_view t, char grupo, char decimal)
+{
+    std::size_t i = 0;
+    const bool negativo = !t.empty() && t[0] == '-';
+    i += negativo;
+    const std::size_t coma = t.size() >= 3 ? t.size() - 3 : 0;
+    if (t.size() < i + 4 || t[coma] != decimal || !digito(t[coma + 1]) || !digito(t[coma + 2]))
+        return std::nullopt;
+    const std::size_t enteros = coma - i;
+    if (enteros == 0 || enteros % 4 == 0 || (t[i] == '0' && enteros != 1))
+        return std::nullopt;
+    uint64_t centimos = 0;
+    int cifras = 0;
+    for (std::size_t k = i; k < coma; ++k) {
+        const bool esGrupo = (coma - k) % 4 == 0;
+        if (esGrupo) {
+            if (t[k] != grupo)
+                return std::nullopt;
+            continue;
+        }
+        if (!digito(t[k]))
+            return std::nullopt;
+        centimos = centimos * 10 + uint64_t(t[k] - '0');
+        ++cifras;
+    }
+    centimos = centimos * 100 + uint64_t(t[coma + 1] - '0') * 10 + uint64_t(t[coma + 2] - '0');
+    if (cifras + 2 > 15 || (negativo && centimos == 0))
+        return std::nullopt;
+    const double valor = double(centimos) / 100.0;
+    return negativo ? -valor : valor;
+}
+
+// The locale's separator as one ASCII byte, or 0 when it is not one (then no fast path).
+char separadorAscii(const QString &s)
+{
+    return s.size() == 1 && s[0].unicode() < 0x80 ? char(s[0].unicode()) : '\0';
+}
+
 void ordenarFechas(Rejilla &v, int col)
 {
     const QString formato = QStringLiteral("dd/mm/yyyy");
@@ -85,8 +154,17 @@ void ordenarFechas(Rejilla &v, int col)
             valores.push_back(std::nullopt);
             continue;
         }
-        const QString texto = v.TextMatrix(f, col);
-        const std::optional<QDate> fecha = texto.isEmpty() ? std::nullopt : LeerFecha(texto);
+        const std::string_view bytes = v.CeldaUtf8(f, col);
+        if (bytes.empty()) {
+            valores.push_back(std::nullopt);
+            continue;
+        }
+        if (const std::optional<double> serie = fechaCanonica(bytes)) {
+            valores.push_back(serie);
+            continue;
+        }
+        const QString texto = QString::fromUtf8(bytes.data(), qsizetype(bytes.size()));
+        const std::optional<QDate> fecha = LeerFecha(texto);
         if (fecha) {
             valores.push_back(double(SerieFecha(*fecha)));
             const QString canonico = FormatoFecha(*fecha, formato);
@@ -94,8 +172,7 @@ void ordenarFechas(Rejilla &v, int col)
                 v.PonerTextMatrix(f, col, canonico);
         } else {
             valores.push_back(std::nullopt);
-            if (!texto.isEmpty())
-                v.PonerTextMatrix(f, col, QString());
+            v.PonerTextMatrix(f, col, QString());
         }
     }
     v.OrdenarPorValores(valores, false);
@@ -104,10 +181,22 @@ void ordenarFechas(Rejilla &v, int col)
 void ordenarImportes(Rejilla &v, int col)
 {
     const QString formato = QStringLiteral("#,##0.00");
+    const QLocale locale;
+    const char grupo = separadorAscii(locale.groupSeparator());
+    const char decimal = separadorAscii(locale.decimalPoint());
+    const bool rapido = grupo && decimal && grupo != decimal && !digito(grupo) && !digito(decimal)
+                        && locale.negativeSign() == u"-";
     std::vector<std::optional<double>> valores;
     valores.reserve(std::size_t(std::max(0, v.Rows() - v.FixedRows())));
     for (int f = v.FixedRows(); f < v.Rows(); ++f) {
-        const QString texto = f == 0 ? QString() : v.TextMatrix(f, col);
+        const std::string_view bytes = f == 0 ? std::string_view() : v.CeldaUtf8(f, col);
+        if (rapido) {
+            if (const std::optional<double> valor = importeCanonico(bytes, grupo, decimal)) {
+                valores.push_back(valor);
+                continue;
+            }
+        }
+        const QString texto = QString::fromUtf8(bytes.data(), qsizetype(bytes.size()));
         bool ok = false;
         const double valor = texto.isEmpty() ? 0.0 : ValorRegional(texto, &ok);
         if (!ok) {

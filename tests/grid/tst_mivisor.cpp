@@ -231,6 +231,15 @@ private Q_SLOTS:
         QTest::newRow("C importes") << u"C"_qs << u" I"_qs
             << QStringList{u"1,200.00"_qs, u"95.00"_qs, u"-3"_qs, QString(), u"1234.5"_qs}
             << u"|-3.00|95.00|1,200.00|1,234.50"_qs;
+        // Cells already written as the sort writes them are read without the regional reading;
+        // shapes that only look so go the long way.
+        QTest::newRow("fechas con forma escrita") << u"es_ES"_qs << u" F"_qs
+            << QStringList{u"29/02/2008"_qs, u"29/02/2009"_qs, u"01/01/1899"_qs, u"31/12/2999"_qs}
+            << u"|01/01/1899|29/02/2008|31/12/2999"_qs;
+        QTest::newRow("es importes con forma escrita") << u"es_ES"_qs << u" I"_qs
+            << QStringList{u"-0,00"_qs, u"999.999.999.999,99"_qs, u"1234,50"_qs, u"01,00"_qs, u"1.23,00"_qs,
+                           u"-1.000,01"_qs, u"0,10"_qs}
+            << u"-1.000,01|0,00|0,10|1,00|123,00|1.234,50|999.999.999.999,99"_qs;
         QTest::newRow("es importe con texto al final") << u"es_ES"_qs << u" I"_qs
             << QStringList{u"n/d"_qs, u"10"_qs, QString()} << u"|10,00|n/d"_qs;
         QTest::newRow("tag corto: texto") << u"es_ES"_qs << u"F"_qs
