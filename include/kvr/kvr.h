@@ -29,3 +29,9 @@
 #include <kvr/contactos.h>
 #include <kvr/buscador.h>
 #include <kvr/telefonos.h>
+#include <kvr/letras.h>
+#include <kvr/identificacion.h>
+#include <kvr/ini.h>
+#include <kvr/copias.h>
+#include <kvr/bandeja.h>
+#include <kvr/teclasnombre.h>

@@ -75,7 +75,12 @@ struct Ini {
     QString texto(qsizetype desde, qsizetype hasta) const
     {
         const QByteArrayView b = QByteArrayView(bytes).sliced(desde, hasta - desde);
-        return utf8 ? QString::fromUtf8(b) : desdeAnsi(b);
+        if (!utf8)
+            return desdeAnsi(b);
+        // A mark at the start of a line is text (the file's own was skipped): kept, not dropped.
+        QStringDecoder d(QStringDecoder::Utf8,
+                         QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+        return d.decode(b);
     }
     QByteArray codificar(const QString &s) const
     {
