@@ -6,6 +6,7 @@
 #include "kvr/impresora.h"
 #include "kvr/layout.h"
 #include "kvr/servicios.h"
+#include "kvr/teclasnombre.h"
 #include "kvr/utilidades.h"
 
 #include <QApplication>
@@ -37,29 +38,6 @@ int codigoAscii(const QKeyEvent *k)
     }
     const QString t = k->text();
     return t.isEmpty() ? 0 : int(t.at(0).unicode());
-}
-
-// The Qt key a typed character comes from, for the key events of a paste.
-int teclaQtDe(QChar c)
-{
-    const char16_t u = c.toUpper().unicode();
-    if ((u >= u'0' && u <= u'9') || (u >= u'A' && u <= u'Z'))
-        return int(u); // Qt::Key_0.. and Qt::Key_A.. are their ASCII codes
-    switch (u) {
-    case u'.': return Qt::Key_Period;
-    case u'+': return Qt::Key_Plus;
-    case u'-': return Qt::Key_Minus;
-    case u'*': return Qt::Key_Asterisk;
-    case u'/': return Qt::Key_Slash;
-    case u'%': return Qt::Key_Percent;
-    case u'=': return Qt::Key_Equal;
-    case u'<': return Qt::Key_Less;
-    case u' ': return Qt::Key_Space;
-    case u'\r': return Qt::Key_Return;
-    case u'\b': return Qt::Key_Backspace;
-    case 27: return Qt::Key_Escape;
-    default: return Qt::Key_unknown;
-    }
 }
 
 } // namespace
@@ -211,11 +189,7 @@ void MiCalc::Pegar_Click()
 {
     const QString texto = TextoParaPegar(QGuiApplication::clipboard()->text());
     // Typed into the form, one key per character, after the click that asked for it.
-    for (const QChar c : texto) {
-        const int tecla = teclaQtDe(c);
-        QCoreApplication::postEvent(this, new QKeyEvent(QEvent::KeyPress, tecla, Qt::NoModifier, QString(c)));
-        QCoreApplication::postEvent(this, new QKeyEvent(QEvent::KeyRelease, tecla, Qt::NoModifier, QString(c)));
-    }
+    EnviarTeclas(TeclasLiterales(texto), this);
     ui->Panel->setFocus();
 }
 

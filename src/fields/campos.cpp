@@ -6,6 +6,7 @@
 #include "kvr/numeros.h"
 #include "kvr/servicios.h"
 #include "kvr/tags.h"
+#include "kvr/teclasnombre.h"
 #include "kvr/valores.h"
 
 #include <QApplication>
@@ -281,7 +282,7 @@ void CampoKeyPress(QWidget *campo, int &keyAscii)
     const DecisionTecla d = DecidirTecla(TagDe(campo), textoDe(campo), inicio, largo, keyAscii);
     keyAscii = d.codigo;
     if (d.accion == DecisionTecla::Tabulador)
-        enviarTab();
+        EnviarTeclas(QStringLiteral("{Tab}")); // Enter moves on through the send-keys service
     else if (d.accion == DecisionTecla::PorOmision)
         ValorPorOmision(campo);
     if (d.tabTrasEntregar)
