@@ -211,6 +211,17 @@ Demo::Demo(QWidget *parent)
     calculadora->setObjectName(QStringLiteral("cmdCalculadora"));
     connect(calculadora, &QPushButton::clicked, this, [] { kvr::MostrarVentana(QStringLiteral("MiCalc")); });
     botones->addWidget(calculadora);
+    auto *telefonos = new QPushButton(QStringLiteral("Teléfonos (F8)"), this);
+    telefonos->setObjectName(QStringLiteral("cmdTelefonos"));
+    connect(telefonos, &QPushButton::clicked, this, [resultado] {
+        // The address picked (a click on an e-mail) is shown once the phone book closes.
+        auto *agenda = qobject_cast<kvr::Telefonos *>(kvr::AbrirVentana(QStringLiteral("Telefonos")));
+        if (agenda)
+            connect(agenda, &QObject::destroyed, resultado, [resultado] {
+                resultado->setText(QStringLiteral("Resultado: contacto elegido «%1»").arg(kvr::ContactoElegido));
+            });
+    });
+    botones->addWidget(telefonos);
     auto *impresora = new QPushButton(QStringLiteral("Impresora"), this);
     impresora->setObjectName(QStringLiteral("cmdImpresora"));
     connect(impresora, &QPushButton::clicked, this, [this, resultado] {

@@ -236,12 +236,20 @@ void Telefonos::EnviarFax(bool ConContacto)
                                          CarpetaContactos() + QStringLiteral("Telecopia/"));
 }
 
+// Marks the window's own changes of the grid while it lives.
+struct Telefonos::Moviendo {
+    bool &marca;
+    explicit Moviendo(bool &m) : marca(m) { marca = true; }
+    ~Moviendo() { marca = false; }
+};
+
 void Telefonos::BuscoTLF_Change()
 {
     if (m_cargando || !Existe(m_fichero, false))
         return;
     const std::vector<unsigned char> dentro = m_indice->actual().Buscar(ui->BuscoTLF->text());
     Rejilla &g = grid();
+    Moviendo moviendo(m_moviendo);
     m_indice->sinCambioDeTexto([&] {
         g.PonerRedraw(false);
         for (std::size_t i = 0; i < dentro.size(); ++i)
@@ -332,13 +340,6 @@ void Telefonos::AbrirEntrada()
     ui->FueModificado->setVisible(ficheroCambiado());
     DevolverFoco(findChild<QLineEdit *>(QStringLiteral("Tlf(0)")));
 }
-
-// Marks the window's own changes of the grid while it lives.
-struct Telefonos::Moviendo {
-    bool &marca;
-    explicit Moviendo(bool &m) : marca(m) { marca = true; }
-    ~Moviendo() { marca = false; }
-};
 
 void Telefonos::cmdAceptar_Click()
 {
