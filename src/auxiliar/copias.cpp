@@ -77,7 +77,8 @@ struct Elemento {
 void recorrer(const QFileInfo &carpeta, const QString &nombre, const QString &archivo,
               QSet<QString> &vistas, QList<Elemento> &lista)
 {
-    lista.append({nombre + u'/', carpeta});
+    if (!nombre.isEmpty()) // the root folder has no entry of its own
+        lista.append({nombre + u'/', carpeta});
     if (vistas.contains(carpeta.canonicalFilePath()))
         return;
     vistas.insert(carpeta.canonicalFilePath());
@@ -87,7 +88,7 @@ void recorrer(const QFileInfo &carpeta, const QString &nombre, const QString &ar
     for (const QFileInfo &h : hijos) {
         if (!h.exists() || h.absoluteFilePath() == archivo)
             continue; // a broken link; the archive being written
-        const QString n = nombre + u'/' + h.fileName();
+        const QString n = nombre.isEmpty() ? h.fileName() : nombre + u'/' + h.fileName();
         if (h.isDir())
             recorrer(h, n, archivo, vistas, lista);
         else if (h.isFile())
@@ -415,8 +416,9 @@ bool CrearZip(const QStringList &rutas, const QString &zip, const AvisoProgreso 
     QList<Elemento> lista;
     QSet<QString> vistas;
     for (const QString &r : rutas) {
-        const QFileInfo info(r);
-        if (!info.exists()) {
+        // "datos/" and "datos/." are stored as "datos" too.
+        const QFileInfo info(QDir::cleanPath(QFileInfo(r).absoluteFilePath()));
+        if (!QFileInfo(r).exists()) {
             avisar(titulo + QStringLiteral("no existe %1.").arg(r));
             return false;
         }

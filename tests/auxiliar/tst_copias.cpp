@@ -172,7 +172,7 @@ private Q_SLOTS:
         QList<double> avisos;
         const AvisoProgreso aviso = [&](double f) { avisos << f; };
         if (nuestraCopia) {
-            QVERIFY(CrearZip({m_origen + u"/datos"_qs, m_origen + u"/Notas.INI"_qs}, zip, aviso));
+            QVERIFY(CrearZip({m_origen + u"/datos/"_qs, m_origen + u"/Notas.INI"_qs}, zip, aviso));
             QCOMPARE(ejecutar(m_dir.path(), u"unzip"_qs, {u"-q"_qs, zip, u"-d"_qs, destino}), 0);
         } else {
             QVERIFY(ExtraerZip(m_deZip, destino, aviso));
