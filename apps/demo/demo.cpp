@@ -254,6 +254,43 @@ Demo::Demo(QWidget *parent)
     salir->setObjectName(QStringLiteral("cmdSalir"));
     connect(salir, &QPushButton::clicked, this, &QWidget::close);
     botones->addWidget(salir);
+
+    // Auxiliary modules: an amount in words or a tax identifier checked as it is typed, a ZIP
+    // backup of the demo's data folder with the progress window, and the tray icon.
+    auto *auxiliares = new QHBoxLayout;
+    raiz->addLayout(auxiliares);
+    auto *texto = new QLineEdit(this);
+    texto->setObjectName(QStringLiteral("CampoImporteONif"));
+    texto->setPlaceholderText(QStringLiteral("Importe (1234.56) o NIF"));
+    auto *enLetras = new QLabel(this);
+    enLetras->setObjectName(QStringLiteral("etiEnLetras"));
+    connect(texto, &QLineEdit::textChanged, enLetras, [enLetras](const QString &t) {
+        bool numero = false;
+        const double v = t.toDouble(&numero);
+        if (!numero) {
+            const kvr::Identificacion id = kvr::ValidarIdentificacionFiscal(t);
+            static const char *const tipos[] = {"desconocido", "DNI", "NIE", "NIF", "CIF"};
+            enLetras->setText(QStringLiteral("%1 %2, control %3").arg(QString::fromUtf8(tipos[int(id.tipo)]),
+                id.valida ? QStringLiteral("válido") : QStringLiteral("no válido"), QString(id.control)));
+            return;
+        }
+        try {
+            enLetras->setText(kvr::ImporteEnLetras(v).toUpper());
+        } catch (const kvr::ErrorEjecucion &e) {
+            enLetras->setText(e.descripcion());
+        }
+    });
+    auxiliares->addWidget(texto);
+    auxiliares->addWidget(enLetras, 1);
+    auto *copia = new QPushButton(QStringLiteral("Copia de seguridad"), this);
+    copia->setObjectName(QStringLiteral("cmdCopia"));
+    connect(copia, &QPushButton::clicked, this, [resultado] {
+        const QString zip = QDir::tempPath() + QStringLiteral("/kvr-demo-copia.zip");
+        if (kvr::CopiaSeguridad({QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)}, zip, true))
+            resultado->setText(QStringLiteral("Resultado: copia en %1").arg(zip));
+    });
+    auxiliares->addWidget(copia);
+    kvr::IconoBandeja(QStringLiteral("Demo de Runtime KVR"));
 }
 
 void Demo::keyReleaseEvent(QKeyEvent *evento)
