@@ -16,7 +16,10 @@ void EnviarTeclas(const QString &teclas, QWidget *destino)
     // focus sends the next one to the new focus, and a window opened by one gets the rest.
     for (const PulsacionTecla &p : pulsaciones) {
         QMetaObject::invokeMethod(qApp, [p, conDestino, vigia] {
+            // A window with no focusable control takes the keys itself, as the active window.
             QWidget *w = conDestino ? vigia.data() : QApplication::focusWidget();
+            if (!w && !conDestino)
+                w = QApplication::activeWindow();
             if (!w)
                 return;
             QKeyEvent abajo(QEvent::KeyPress, p.tecla, p.modificadores, p.texto);

@@ -9,6 +9,7 @@ namespace kvr {
 namespace {
 
 constexpr int kMaximoRepeticiones = 9999;
+constexpr int kMaximaProfundidad = 100; // groups within groups
 
 [[noreturn]] void sintaxis(const QString &teclas)
 {
@@ -114,6 +115,7 @@ public:
 private:
     const QString &m_t;
     qsizetype m_i = 0;
+    int m_profundidad = 0;
 
     // Keys up to the end, or up to the ")" that closes a group.
     void secuencia(QList<PulsacionTecla> &r, Qt::KeyboardModifiers heredados, bool enGrupo)
@@ -150,7 +152,10 @@ private:
         }
         const QChar c = m_t[m_i++];
         if (c == u'(') {
+            if (++m_profundidad > kMaximaProfundidad)
+                sintaxis(m_t);
             secuencia(r, m, true);
+            --m_profundidad;
         } else if (c == u'{') {
             llaves(r, m);
         } else if (c == u'~') {
