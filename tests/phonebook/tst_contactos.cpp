@@ -87,14 +87,6 @@ private Q_SLOTS:
         QCOMPARE(g.ColWidth(0), 0);
     }
 
-    void ficheroAusente()
-    {
-        Rejilla g;
-        PonerCelda(g, 3, 1, u"viejo"_qs);
-        QVERIFY(!LeerFicheroContactos(ruta(u"NO.DAT"_qs), g).existe);
-        QCOMPARE(contactos(g), QStringList{u"|||"_qs});
-    }
-
     // Appended rows are saved sorted by name without regard to case; the text is what iconv
     // gives for the same UTF-8, rows joined by CR, the end CR LF; TAB or CR typed into a cell
     // cannot split the contact.

@@ -104,6 +104,14 @@ class TstTelefonos : public QObject {
     std::unique_ptr<QTemporaryDir> m_dir;
     QString m_registro;
 
+    // A stand-in program: runs `cuerpo` and leaves what it printed in the record, whole.
+    void ponerPrograma(const QString &ruta, const QByteArray &cuerpo)
+    {
+        const QByteArray r = QFile::encodeName(m_registro);
+        escribir(ruta, "#!/bin/sh\n{ " + cuerpo + "; } > " + r + ".tmp && mv " + r + ".tmp " + r + "\n");
+        QFile::setPermissions(ruta, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    }
+
     Telefonos *abrir()
     {
         auto *t = new Telefonos;
@@ -118,8 +126,7 @@ private Q_SLOTS:
         // The desktop's opener: a stand-in first on PATH records what it was handed.
         static QTemporaryDir bin;
         m_registro = bin.filePath(u"registro"_qs);
-        escribir(bin.filePath(u"xdg-open"_qs), "#!/bin/sh\nprintf '%s\\n' \"$@\" > \"" + QFile::encodeName(m_registro) + ".tmp\"\nmv \"" + QFile::encodeName(m_registro) + ".tmp\" \"" + QFile::encodeName(m_registro) + "\"\n");
-        QFile::setPermissions(bin.filePath(u"xdg-open"_qs), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+        ponerPrograma(bin.filePath(u"xdg-open"_qs), "printf '%s\\n' \"$@\"");
         qputenv("PATH", QFile::encodeName(bin.path()) + ":" + qgetenv("PATH"));
         QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
     }
@@ -131,9 +138,7 @@ private Q_SLOTS:
         qputenv("TLF", QFile::encodeName(m_dir->path()));
         escribir(RutaContactos(), ficheroDe(Agenda));
         QDir(m_dir->path()).mkdir(u"Telecopia"_qs);
-        const QString fax = m_dir->filePath(u"Telecopia/Telecopia"_qs);
-        escribir(fax, "#!/bin/sh\n{ pwd; for a in \"$@\"; do printf '[%s]\\n' \"$a\"; done; } > \"" + QFile::encodeName(m_registro) + ".tmp\"\nmv \"" + QFile::encodeName(m_registro) + ".tmp\" \"" + QFile::encodeName(m_registro) + "\"\n");
-        QFile::setPermissions(fax, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+        ponerPrograma(m_dir->filePath(u"Telecopia/Telecopia"_qs), "pwd; for a in \"$@\"; do printf '[%s]\\n' \"$a\"; done");
         QFile::remove(m_registro);
         EnviadoPor.clear();
     }
