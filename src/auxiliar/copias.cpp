@@ -143,7 +143,8 @@ std::optional<QString> nombreSeguro(const QString &crudo)
     return partes.join(u'/');
 }
 
-// Where a link's target lands, relative to the folder; empty when outside it.
+// Whether a link at `nombre` (relative to the folder) pointing at `destino` stays inside it, as
+// written; Restauracion checks it again on disk once the link's folder exists.
 bool enlaceDentro(const QString &nombre, const QByteArray &destino)
 {
     const QString d = QFile::decodeName(destino);
@@ -356,6 +357,14 @@ bool Restauracion::ejecutar()
         const QString dentro = e.clase == Clase::Carpeta ? e.nombre : QFileInfo(e.nombre).path();
         if (dentro != u"." && !carpetas(dentro))
             return false;
+        // The link's folder as it is on disk (a folder already there may itself be a link).
+        if (e.clase == Clase::Enlace) {
+            const QString donde = QDir::cleanPath(QFileInfo(m_carpeta + u'/' + dentro).canonicalFilePath()
+                                                  + u'/' + QFile::decodeName(e.destinoEnlace));
+            if (donde != m_canonica && !donde.startsWith(m_canonica + u'/'))
+                return fallo(QStringLiteral("La copia %1 tiene un enlace simbólico, «%2», que apunta "
+                                            "fuera de la carpeta %3.").arg(m_zip, e.nombre, m_carpeta));
+        }
         if (e.clase == Clase::Fichero && !extraer(e, hecho, total))
             return false;
     }

@@ -199,6 +199,8 @@ private Q_SLOTS:
         QTest::newRow("unidad") << zipCrudo({{"C:/fuera.txt", "x"}}) << u"quedaría fuera"_qs;
         QTest::newRow("enlace absoluto") << zipCrudo({bien, {"enlace", "/etc", true}}) << u"apunta fuera"_qs;
         QTest::newRow("enlace relativo fuera") << zipCrudo({{"sub/enlace", "../../fuera.txt", true}}) << u"apunta fuera"_qs;
+        QTest::newRow("enlace por un enlace que ya estaba") << zipCrudo({{"aqui/enlace", "../fuera.txt", true}})
+            << u"apunta fuera"_qs;
         QTest::newRow("escribir a través de un enlace") << zipCrudo({{"enlace", "sub", true}, {"enlace/x.txt", "x"}})
             << u"dentro de un enlace"_qs;
         QTest::newRow("CRC") << zipCrudo({bien, {"malo.txt", QByteArray(1000, 'a'), false, true}}) << u"CRC"_qs;
@@ -216,12 +218,15 @@ private Q_SLOTS:
         QTemporaryDir dir;
         const QString zip = dir.filePath(u"hostil.zip"_qs), destino = dir.filePath(u"destino/dentro"_qs);
         prueba::escribir(zip, archivo);
+        // A link already in the folder to the folder itself, which an entry can go through.
+        QVERIFY(QDir().mkpath(destino) && QFile::link(u"."_qs, destino + u"/aqui"_qs));
         ServiciosGrabados servicios;
         QVERIFY(!RestaurarCopia(zip, destino));
         QCOMPARE(servicios.mensajes.size(), 1);
         QVERIFY2(servicios.mensajes[0].texto.contains(mensaje), qPrintable(servicios.mensajes[0].texto));
         QVERIFY(servicios.mensajes[0].texto.contains(u"No se ha restaurado nada."_qs));
-        QCOMPARE(arbol(dir.path()).keys(), QStringList{u"hostil.zip"_qs});
+        QCOMPARE(arbol(dir.path()).keys(),
+                 (QStringList{u"destino"_qs, u"destino/dentro"_qs, u"destino/dentro/aqui"_qs, u"hostil.zip"_qs}));
         QVERIFY(!QFileInfo::exists(ruta(u"fuera.txt"_qs)));
     }
 
