@@ -4,13 +4,25 @@
 #include "kvr/campos.h"
 #include "kvr/escala.h"
 
+#include <QCalendarWidget>
+#include <QComboBox>
+#include <QFocusFrame>
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QLayout>
+#include <QLineEdit>
+#include <QMenuBar>
 #include <QMetaMethod>
+#include <QRubberBand>
 #include <QScreen>
+#include <QScrollArea>
+#include <QSizeGrip>
+#include <QSpinBox>
+#include <QSplitter>
+#include <QTabBar>
 #include <QTableView>
+#include <QToolBar>
 #include <QTreeView>
 #include <QWidget>
 
@@ -52,14 +64,30 @@ double twipsPorPixel(bool horizontal)
     return dpi > 0.0 ? double(TwipsPorPulgada) / dpi : 15.0;
 }
 
-bool esControl(const QWidget *w)
+// Widgets that build themselves out of other widgets: what they hold are their own parts (a scroll
+// area's viewport and bars, a table's headers, a combo box's or spin box's editor, a line edit's
+// buttons), laid out by them, not controls of the window.
+bool esCompuesto(const QWidget *w)
 {
-    const QString n = w->objectName();
-    return !w->isWindow() && !n.isEmpty() && !n.startsWith(u"qt_");
+    return qobject_cast<const QAbstractScrollArea *>(w) || qobject_cast<const QComboBox *>(w)
+        || qobject_cast<const QAbstractSpinBox *>(w) || qobject_cast<const QLineEdit *>(w)
+        || qobject_cast<const QTabBar *>(w) || qobject_cast<const QCalendarWidget *>(w)
+        || qobject_cast<const QToolBar *>(w) || qobject_cast<const QMenuBar *>(w)
+        || w->inherits("QWebEngineView");
 }
 
-// The controls of a window: named widgets at any depth, not crossing into other windows.
-void reunirControles(QWidget *padre, QList<QWidget *> &controles)
+// Parts that Qt adds by itself wherever they appear.
+bool esPieza(const QWidget *w)
+{
+    return w->objectName().startsWith(u"qt_") || qobject_cast<const QSplitterHandle *>(w)
+        || qobject_cast<const QSizeGrip *>(w) || qobject_cast<const QFocusFrame *>(w)
+        || qobject_cast<const QRubberBand *>(w);
+}
+
+// The controls of a window: every widget at any depth, named or not, but for Qt's own parts and
+// what lies inside a composite widget, where only widgets given a name count (a scroll area's
+// own content is the window's again). Other windows are not crossed into.
+void reunirControles(QWidget *padre, QList<QWidget *> &controles, bool dentroCompuesto)
 {
     for (QObject *o : padre->children()) {
         if (!o->isWidgetType())
@@ -67,16 +95,19 @@ void reunirControles(QWidget *padre, QList<QWidget *> &controles)
         auto *w = static_cast<QWidget *>(o);
         if (w->isWindow())
             continue;
-        if (esControl(w))
+        const auto *area = qobject_cast<const QScrollArea *>(w->parentWidget() ? w->parentWidget()->parentWidget() : nullptr);
+        const bool dentro = dentroCompuesto && !(area && area->widget() == w);
+        const bool pieza = esPieza(w);
+        if (!pieza && (!dentro || !w->objectName().isEmpty()))
             controles.append(w);
-        reunirControles(w, controles);
+        reunirControles(w, controles, dentro || esCompuesto(w));
     }
 }
 
 QList<QWidget *> controlesDe(QWidget *form)
 {
     QList<QWidget *> c;
-    reunirControles(form, c);
+    reunirControles(form, c, false);
     return c;
 }
 

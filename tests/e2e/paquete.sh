@@ -1,5 +1,6 @@
 #!/bin/sh
-# Installs the runtime into a temporary prefix and builds and runs a host against it.
+# Installs the runtime into a temporary prefix and builds and runs hosts against it, as the README
+# tells a host developer, with no LD_LIBRARY_PATH: the installed libraries must find each other.
 set -e
 construccion="$1"; fuentes="$2"
 tmp=$(mktemp -d)
@@ -8,4 +9,13 @@ cmake --install "$construccion" --prefix "$tmp/prefijo" >/dev/null
 test -f "$tmp/prefijo/include/kvr/kvr.h"
 cmake -S "$fuentes" -B "$tmp/anfitrion" -G Ninja -DCMAKE_PREFIX_PATH="$tmp/prefijo" >/dev/null
 cmake --build "$tmp/anfitrion" >/dev/null
-LD_LIBRARY_PATH="$tmp/prefijo/lib:$tmp/prefijo/lib/x86_64-linux-gnu" QT_QPA_PLATFORM=offscreen "$tmp/anfitrion/anfitrion"
+unset LD_LIBRARY_PATH
+export QT_QPA_PLATFORM=offscreen
+"$tmp/anfitrion/anfitrion"
+# The host that shows only a box records libkvr and not libkvr_core, so that it checks the
+# libraries' own run path.
+readelf -d "$tmp/anfitrion/anfitrion_caja" | grep -q 'libkvr\.so'
+if readelf -d "$tmp/anfitrion/anfitrion_caja" | grep -q 'libkvr_core\.so'; then
+  echo "anfitrion_caja enlaza libkvr_core directamente" >&2; exit 1
+fi
+"$tmp/anfitrion/anfitrion_caja"

@@ -8,6 +8,11 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSpinBox>
 #include <QTableWidget>
 #include <QTest>
 
@@ -211,6 +216,56 @@ private Q_SLOTS:
         PonerFuente(&form);
         QCOMPARE(form.font().family(), FuenteDialogo());
         QCOMPARE(eti->font().family(), QStringLiteral("DejaVu Serif"));
+    }
+
+    // A window built in code without names: its widgets are controls too, but not the inner
+    // parts of composite widgets.
+    void sinNombre_data()
+    {
+        QTest::addColumn<QString>("parte");
+        QTest::addColumn<bool>("control");
+        QTest::newRow("etiqueta") << QStringLiteral("etiqueta") << true;
+        QTest::newRow("dentro de un marco") << QStringLiteral("dentro") << true;
+        QTest::newRow("contenido de un área") << QStringLiteral("contenido") << true;
+        QTest::newRow("combo") << QStringLiteral("combo") << true;
+        QTest::newRow("editor del combo") << QStringLiteral("editorCombo") << false;
+        QTest::newRow("editor del spin box") << QStringLiteral("editorSpin") << false;
+        QTest::newRow("cabecera de tabla") << QStringLiteral("cabecera") << false;
+        QTest::newRow("barra del área") << QStringLiteral("barra") << false;
+        QTest::newRow("viewport del área") << QStringLiteral("viewport") << false;
+    }
+    void sinNombre()
+    {
+        QFETCH(QString, parte); QFETCH(bool, control);
+        QWidget form;
+        form.setFont(fuente(QStringLiteral("DejaVu Serif"), 8));
+        form.resize(400, 200);
+        auto *marco = new QFrame(&form);
+        marco->setGeometry(200, 10, 150, 80);
+        auto *area = new QScrollArea(&form);
+        area->setGeometry(10, 100, 100, 60);
+        area->setWidget(new QLabel(QStringLiteral("x")));
+        auto *combo = new QComboBox(&form);
+        combo->setEditable(true);
+        combo->setGeometry(120, 100, 60, 20);
+        auto *tabla = new QTableWidget(2, 2, &form);
+        const QMap<QString, QWidget *> partes{
+            {QStringLiteral("etiqueta"), new QLabel(&form)},
+            {QStringLiteral("dentro"), new QLabel(marco)},
+            {QStringLiteral("contenido"), area->widget()},
+            {QStringLiteral("combo"), combo},
+            {QStringLiteral("editorCombo"), combo->lineEdit()},
+            {QStringLiteral("editorSpin"), (new QSpinBox(&form))->findChild<QLineEdit *>()},
+            {QStringLiteral("cabecera"), tabla->horizontalHeader()},
+            {QStringLiteral("barra"), area->verticalScrollBar()},
+            {QStringLiteral("viewport"), area->viewport()}};
+        QWidget *w = partes.value(parte);
+        QVERIFY(w);
+        w->setGeometry(10, 10, 40, 20);
+        PonerFuente(&form);
+        QCOMPARE(w->testAttribute(Qt::WA_SetFont), control);
+        Redimensionar(&form, false);
+        QCOMPARE(w->geometry() == QRect(15, 15, 60, 30), control);
     }
 
     void tamanoFijo()
