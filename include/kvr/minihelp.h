@@ -49,6 +49,8 @@ public:
 
 protected:
     void closeEvent(QCloseEvent *evento) override;
+    // F4 and F8 open the calculator and the phone book from the help window too.
+    void keyReleaseEvent(QKeyEvent *evento) override;
 
 private:
     void Form_Load();

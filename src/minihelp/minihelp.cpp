@@ -1,4 +1,5 @@
 #include "kvr/minihelp.h"
+#include "kvr/utilidades.h"
 
 #include "kvr/layout.h"
 #include "kvr/rtfdocumento.h"
@@ -6,6 +7,7 @@
 #include "ui_minihelp.h"
 
 #include <QCloseEvent>
+#include <QKeyEvent>
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QEventLoop>
@@ -187,6 +189,12 @@ void MiniHelp::MiExplorer(const QString &URL, bool &Problema)
     if (m_web->isHidden())
         MostrarVersion(QString());
     m_web->show();
+}
+
+void MiniHelp::keyReleaseEvent(QKeyEvent *evento)
+{
+    TeclasGlobales(evento, this);
+    QWidget::keyReleaseEvent(evento);
 }
 
 } // namespace kvr

@@ -17,7 +17,10 @@
 #include <QtTest>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+
+#include <csignal>
 
 using namespace kvr;
 using namespace prueba;
@@ -201,33 +204,46 @@ private Q_SLOTS:
         QTest::addColumn<int>("numero");
         QTest::newRow("solo lectura") << u"lectura"_qs << int(ErrorEjecucion::AccesoDenegado);
         QTest::newRow("carpeta de TLF ausente") << u"carpeta"_qs << ErrorRutaNoEncontrada;
+        QTest::newRow("disco lleno a medias") << u"lleno"_qs << int(ErrorEjecucion::ErrorEntradaSalida);
     }
     void errores()
     {
         QFETCH(QString, caso);
         QFETCH(int, numero);
-        QString f = ruta(u"fijo.DAT"_qs);
+        QString f = ruta(caso + u".DAT"_qs);
         escribir(f, "c\r\tana\r\n");
         if (caso == u"lectura")
             QFile::setPermissions(f, QFileDevice::ReadOwner | QFileDevice::ReadGroup);
-        else
+        else if (caso == u"carpeta")
             f = ruta(u"no/existe/TELEFONO.DAT"_qs);
         qputenv("TLF", QFile::encodeName(QFileInfo(f).absolutePath()));
         Rejilla g;
         SelloFichero s = LeerFicheroContactos(f, g);
         PonerCelda(g, 1, 1, u"cambio"_qs);
+        for (int i = 2; i < 200; ++i)
+            PonerCelda(g, i, 1, u"contacto %1"_qs.arg(i));
+        // A file size limit stands for a disk that fills half way through the write.
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit antes{}, corto{};
+        getrlimit(RLIMIT_FSIZE, &antes);
+        corto = antes;
+        corto.rlim_cur = 256;
+        if (caso == u"lleno")
+            setrlimit(RLIMIT_FSIZE, &corto);
+        int visto = 0;
         try {
             GrabarFicheroContactos(f, g, s);
-            QFAIL("grabó");
         } catch (const ErrorEjecucion &e) {
-            QCOMPARE(e.numero(), numero);
+            visto = e.numero();
             QVERIFY2(e.descripcion().contains(f), qPrintable(e.descripcion()));
         }
+        setrlimit(RLIMIT_FSIZE, &antes);
+        QCOMPARE(visto, numero);
         qunsetenv("TLF");
-        if (caso == u"lectura")
-            QCOMPARE(leer(f), QByteArray("c\r\tana\r\n"));
-        else
+        if (caso == u"carpeta")
             QVERIFY(!QDir(ruta(u"no"_qs)).exists());
+        else
+            QCOMPARE(leer(f), QByteArray("c\r\tana\r\n"));
     }
 
     // Without TLF the user's own folder is made by the first save.
