@@ -144,7 +144,8 @@ Rejilla &Telefonos::grid()
 
 void Telefonos::Form_Load()
 {
-    // The resident program keeps the factors its own start computed.
+    // Under the resident program ("Residente") the layout factors are computed anew from this
+    // window; any other program reuses the ones its first window computed.
     const bool residente =
         QFileInfo(QCoreApplication::applicationFilePath()).completeBaseName() == u"Residente";
     float ancho = 0, alto = 0;
