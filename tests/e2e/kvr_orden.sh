@@ -1,0 +1,132 @@
+#!/bin/bash
+# The kvr command as a script uses it: a real process on an X display (run under xvfb-run -a),
+# answered with real key presses sent by xdotool to its window. Each case checks what the command
+# writes on standard output and its exit status.
+#   kvr_orden.sh KVR DATOS    KVR: the built command; DATOS: the demo host's sample data
+set -u
+K="$1"; DATOS="$2"
+tmp=$(mktemp -d)
+trap 'rm -rf "$tmp"' EXIT
+export LC_ALL=C.UTF-8 XDG_DATA_HOME="$tmp/datos" XDG_CONFIG_HOME="$tmp/config" XDG_RUNTIME_DIR="$tmp/run"
+mkdir -m 700 "$tmp/run"
+fallos=0
+
+# lanzar ARGUMENTOS...: starts kvr in the background, standard input from $ENTRADA.
+lanzar() {
+    timeout 20 "$K" "$@" < "${ENTRADA:-/dev/null}" > "$tmp/salida" 2> "$tmp/error" &
+    pid=$!
+}
+# teclas TITULO TECLA...: waits for the window of that title and sends it the keys in order;
+# "texto:abc" types abc.
+teclas() {
+    local titulo="$1" id t
+    shift
+    id=$(timeout 10 xdotool search --sync --onlyvisible --name "^$titulo\$" | head -n 1)
+    sleep 0.3
+    for t in "$@"; do
+        case "$t" in
+            texto:*) xdotool type --window "$id" --delay 30 "${t#texto:}" ;;
+            *) xdotool key --window "$id" "$t" ;;
+        esac 2>/dev/null
+        sleep 0.1
+    done
+}
+terminar() {
+    wait "$pid"
+    estado=$?
+    salida=$(cat "$tmp/salida")
+}
+# comprobar CASO ESTADO SALIDA
+comprobar() {
+    if [ "$estado" = "$2" ] && [ "$salida" = "$3" ]; then
+        echo "bien   $1"
+    else
+        echo "FALLO  $1: estado $estado (se esperaba $2), salida «$salida» (se esperaba «$3»)" \
+             "error «$(cat "$tmp/error")»"
+        fallos=$((fallos + 1))
+    fi
+}
+
+# Message box: the first button of "Si No" has the focus; Escape closes without a button.
+lanzar mensaje "¿Seguimos?;Elija" --titulo "Caja uno" --botones 3 --omision 1 --icono 2
+teclas "Caja uno" Return; terminar; comprobar "mensaje Si" 0 6
+lanzar mensaje "¿Seguimos?" --titulo "Caja dos" --botones 3 --omision 2
+teclas "Caja dos" Return; terminar; comprobar "mensaje No" 1 7
+lanzar mensaje "Aviso" --titulo "Caja tres" --botones 2
+teclas "Caja tres" Escape; terminar; comprobar "mensaje Escape" 1 0
+
+# Input box: a date field completes the year; Enter moves on to "Aceptar" like Tab.
+lanzar entrada "Fecha de la factura" --titulo "Entrada fecha" --tag "T(F) L(10) A(I)"
+teclas "Entrada fecha" texto:0203 Return Return; terminar
+comprobar "entrada fecha" 0 "02/03/$(date +%Y)"
+lanzar entrada "Nombre" --titulo "Entrada cancelada" --inicial "ANA"
+teclas "Entrada cancelada" Escape; terminar; comprobar "entrada cancelada" 1 ""
+lanzar entrada "Nombre" --titulo "Entrada vacía" --tag "T(M) L(10) A(I)"
+teclas "Entrada vacía" Return Return; terminar; comprobar "entrada vacía aceptada" 0 ""
+lanzar entrada "Importes" --titulo "Entrada rango" --tag "T(N) L(8) A(D) (/)" --separador ":"
+teclas "Entrada rango" texto:5 Return texto:20 Return Return; terminar
+comprobar "entrada intervalo" 0 "5.00:20.00"
+lanzar entrada "Provincia" --titulo "Entrada lista" --lista "ÁLAVA;ALBACETE;ALICANTE"
+teclas "Entrada lista" Down Tab Return; terminar; comprobar "entrada lista" 0 "ALBACETE"
+printf 'LUGO\nMADRID\n' > "$tmp/lista.txt"
+lanzar entrada "Provincia" --titulo "Entrada fichero" --lista "@$tmp/lista.txt"
+teclas "Entrada fichero" Down Tab Return; terminar; comprobar "entrada lista @fichero" 0 "MADRID"
+
+# Viewer box: rows from standard input; the focus starts on "Cancelar", Tab back to the grid.
+printf '001\tAna\n002\tLuis\n003\tEva\n' > "$tmp/filas.txt"
+ENTRADA="$tmp/filas.txt" lanzar visor --titulo "Visor" --titulos "Código#6;Nombre#20" --columna Nombre
+teclas "Visor" shift+Tab shift+Tab Down Return; terminar; comprobar "visor fila" 0 "Luis"
+ENTRADA="$tmp/filas.txt" lanzar visor --titulo "Visor cancelado" --titulos "Código#6;Nombre#20" --columna "#0"
+teclas "Visor cancelado" Escape; terminar; comprobar "visor cancelado" 1 ""
+
+# Progress window driven by standard input; it closes when the input ends.
+printf '10\n# Copiando\n50\n100\n' > "$tmp/avance.txt"
+ENTRADA="$tmp/avance.txt" lanzar progreso --total 100 --titulo "Copia"; terminar
+comprobar "progreso" 0 ""
+
+# Printer chooser: Escape cancels.
+lanzar impresora
+teclas "Impresora" Escape; terminar; comprobar "impresora cancelada" 1 ""
+
+# Phone book: a search, then "Salir" (Shift+Tab from the search field) with no address picked.
+mkdir -p "$tmp/tlf" && cp "$DATOS/TELEFONO.DAT" "$tmp/tlf/"
+TLF="$tmp/tlf" lanzar telefonos
+teclas "Teléfonos" texto:almacenes shift+Tab space; terminar; comprobar "telefonos sin elegir" 1 ""
+
+# Calculator: 2 + 3 = and Escape; the result goes to the clipboard, nothing is written.
+lanzar calculadora
+teclas "Calculadora" 2 plus 3 equal Escape; terminar; comprobar "calculadora" 0 ""
+
+# Help window from an RTF file, closed with Escape; a missing file is an error of the caller.
+lanzar ayuda "$DATOS/ayuda_demo.rtf"
+teclas "Ayuda" Escape; terminar; comprobar "ayuda" 0 ""
+lanzar ayuda "$tmp/no_existe.rtf"; terminar; comprobar "ayuda sin fichero" 2 ""
+
+# Table editor: opened on a file and left with "Salir" reached from the keyboard; nothing was
+# saved, so it closes without asking.
+printf 'LUGO\r\nMADRID\r\n' > "$tmp/tabla.txt"
+lanzar tabla "$tmp/tabla.txt" --titulos "Provincia#25"
+teclas "Edición de Tablas" texto:soria Return space Tab Tab space Tab space; terminar
+comprobar "tabla" 0 ""
+
+# Without a window.
+lanzar letras 1234,56; terminar
+comprobar "letras" 0 "mil doscientos treinta y cuatro euros con cincuenta y seis céntimos"
+lanzar letras 21 --moneda ESP; terminar; comprobar "letras pesetas" 0 "veintiuna pesetas"
+lanzar nif "12.345.678-z"; terminar; comprobar "nif válido" 0 "$(printf 'DNI\n12345678Z\nZ')"
+lanzar nif "X1234567A"; terminar; comprobar "nie no válido" 1 "$(printf 'NIE\nX1234567A\nL')"
+
+# Wrong command lines: status 2 and a Spanish line on standard error.
+lanzar mensaje "Hola" --botones 9; terminar; comprobar "botones fuera de rango" 2 ""
+grep -q "debe ser un número de 1 a 6" "$tmp/error" || { echo "FALLO  mensaje de rango"; fallos=$((fallos + 1)); }
+lanzar mensaje "Hola" --colores 3; terminar; comprobar "opción desconocida" 2 ""
+grep -q "opción no válida «--colores»" "$tmp/error" || { echo "FALLO  mensaje de opción"; fallos=$((fallos + 1)); }
+lanzar volar; terminar; comprobar "orden desconocida" 2 ""
+
+# No display: one Spanish line, no Qt abort.
+env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$K" mensaje "Hola" > "$tmp/salida" 2> "$tmp/error"
+estado=$?; salida=$(cat "$tmp/error"); comprobar "sin pantalla" 2 \
+  "kvr mensaje: no hay pantalla donde abrir la ventana (DISPLAY y WAYLAND_DISPLAY están vacías)"
+
+echo "$fallos fallos"
+[ "$fallos" = 0 ]
