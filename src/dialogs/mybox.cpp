@@ -220,6 +220,7 @@ void MyBox::PrepararPregunta(const QString &TagDelCampo, const QString &DatoInic
         hasta->move(hasta->x(), desde->y());
         ui->etiDesde->show();
         ui->etiHasta->show();
+        desde->setAccessibleName(ui->etiDesde->text()); // read out as "Desde", not as a value
         desde->show();
         hasta->show();
         // The leaving of either field is handled by the field routines with NoRecordarCampo

@@ -1,0 +1,129 @@
+// Every window of the runtime as a screen reader sees it: each one opened offscreen, its
+// accessibility tree walked from the window down, and every visible control that can take the
+// focus must have a name to be read out. Panels that a window shows later are opened by their
+// own rows. The items of lists and grids are read by their own text and are not walked.
+#include <kvr/kvr.h>
+
+#include <QAbstractItemView>
+#include <QAccessible>
+#include <QComboBox>
+#include <QApplication>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <functional>
+#include <memory>
+
+namespace {
+
+void sinNombre(QAccessibleInterface *iface, QStringList &faltan, int profundidad = 0)
+{
+    if (!iface || profundidad > 40)
+        return;
+    const QAccessible::State estado = iface->state();
+    if (estado.invisible)
+        return;
+    QObject *o = iface->object();
+    if (estado.focusable && iface->text(QAccessible::Name).trimmed().isEmpty())
+        faltan << (o ? QString::fromLatin1(o->metaObject()->className()) + u' ' + o->objectName()
+                     : QStringLiteral("?"));
+    if (qobject_cast<QAbstractItemView *>(o) || qobject_cast<QComboBox *>(o))
+        return;
+    for (int i = 0; i < iface->childCount(); ++i)
+        sinNombre(iface->child(i), faltan, profundidad + 1);
+}
+
+using Fabrica = std::function<QWidget *(const QString &carpeta)>;
+
+} // namespace
+
+Q_DECLARE_METATYPE(Fabrica)
+
+class TstAccesibilidad : public QObject {
+    Q_OBJECT
+    QTemporaryDir m_dir;
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
+        QVERIFY(m_dir.isValid());
+        QFile::copy(QStringLiteral(KVR_DEMO_DATOS "/TELEFONO.DAT"), m_dir.filePath(QStringLiteral("TELEFONO.DAT")));
+        QFile tabla(m_dir.filePath(QStringLiteral("tabla.txt")));
+        QVERIFY(tabla.open(QIODevice::WriteOnly));
+        tabla.write("LUGO\r\nMADRID\r\n");
+        qputenv("TLF", QFile::encodeName(m_dir.path()));
+    }
+
+    void ventanas_data()
+    {
+        QTest::addColumn<Fabrica>("fabrica");
+        QTest::newRow("MiCalc") << Fabrica([](const QString &) { return new kvr::MiCalc; });
+        QTest::newRow("MyBox mensaje") << Fabrica([](const QString &) {
+            auto *c = new kvr::MyBox;
+            float t = -1, l = -1;
+            c->PonerMensaje(QStringLiteral("¿Seguimos?"));
+            c->DisponerBotones(4, 1, t, l, nullptr);
+            return c;
+        });
+        QTest::newRow("MyBox intervalo") << Fabrica([](const QString &) {
+            auto *c = new kvr::MyBox;
+            float t = -1, l = -1;
+            c->DisponerBotones(2, 1, t, l, nullptr);
+            c->PrepararPregunta(QStringLiteral("T(F) L(10) A(I) (/)"), QString());
+            c->PonerAyuda(QStringLiteral(KVR_DEMO_DATOS "/ayuda_demo.rtf"));
+            return c;
+        });
+        QTest::newRow("MyBox lista y visor") << Fabrica([](const QString &) {
+            auto *c = new kvr::MyBox;
+            float t = -1, l = -1;
+            c->DisponerBotones(2, 2, t, l, nullptr);
+            c->PrepararPregunta(QStringLiteral("TABLA"), QStringLiteral("a;b"));
+            c->PrepararVisor(QStringLiteral("Código#6;Nombre#20"), {{}, {QString(), QStringLiteral("1"), QStringLiteral("Ana")}});
+            return c;
+        });
+        QTest::newRow("frmTablas") << Fabrica([](const QString &carpeta) {
+            auto *t = new kvr::frmTablas;
+            t->Dimensionar(nullptr, carpeta + QStringLiteral("/tabla.txt"), QStringLiteral("Provincia#25"));
+            return t;
+        });
+        QTest::newRow("MiniHelp") << Fabrica([](const QString &) {
+            auto *m = new kvr::MiniHelp;
+            m->CargarAyuda(QStringLiteral(KVR_DEMO_DATOS "/ayuda_demo.rtf"));
+            return m;
+        });
+        QTest::newRow("Telefonos") << Fabrica([](const QString &) { return new kvr::Telefonos; });
+        QTest::newRow("Telefonos, ficha") << Fabrica([](const QString &) {
+            auto *t = new kvr::Telefonos;
+            t->show();
+            t->cmdNuevo_Click();
+            return t;
+        });
+        QTest::newRow("Impresora") << Fabrica([](const QString &) { return new kvr::Impresora; });
+        QTest::newRow("Progreso") << Fabrica([](const QString &) {
+            kvr::BarraProgreso(kvr::ProgresoIniciar, 0, false, 0, 10, QStringLiteral("Copia"));
+            for (QWidget *w : QApplication::topLevelWidgets())
+                if (w->objectName() == u"Progreso")
+                    return w;
+            return static_cast<QWidget *>(nullptr);
+        });
+    }
+    void ventanas()
+    {
+        QFETCH(Fabrica, fabrica);
+        QPointer<QWidget> ventana = fabrica(m_dir.path());
+        QVERIFY(ventana);
+        ventana->show();
+        QCoreApplication::processEvents();
+        QStringList faltan;
+        sinNombre(QAccessible::queryAccessibleInterface(ventana.data()), faltan);
+        if (ventana) {
+            ventana->setAttribute(Qt::WA_DeleteOnClose, false);
+            ventana->hide();
+            delete ventana.data();
+        }
+        QVERIFY2(faltan.isEmpty(), qPrintable(QStringLiteral("sin nombre: ") + faltan.join(QStringLiteral(", "))));
+    }
+};
+
+QTEST_MAIN(TstAccesibilidad)
+#include "tst_accesibilidad.moc"
