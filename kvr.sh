@@ -5,6 +5,7 @@
 #                    under AddressSanitizer and UndefinedBehaviorSanitizer, and the fuzzers
 #   ./kvr.sh build   installs what is missing and builds (no tests)
 #   ./kvr.sh bench   builds and runs the benchmarks in bench/
+#   ./kvr.sh capturas  pictures of every window into docs/capturas/ (1x and 2x)
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -89,6 +90,17 @@ case "$caso" in
   build)
     preparar
     compilar
+    ;;
+  capturas)
+    # Pictures of every window for the README, at 1x and 2x, under Xvfb.
+    preparar
+    cmake --preset default
+    cmake --build --preset default --target kvr-capturas
+    for escala in 1 2; do
+      sufijo=""; [ "$escala" = 2 ] && sufijo="@2x"
+      QT_SCALE_FACTOR=$escala xvfb-run -a -s "-screen 0 1280x1024x24" \
+        ./build/default/apps/capturas/kvr-capturas docs/capturas "$sufijo"
+    done
     ;;
   bench)
     preparar
