@@ -19,3 +19,6 @@ if readelf -d "$tmp/anfitrion/anfitrion_caja" | grep -q 'libkvr_core\.so'; then
   echo "anfitrion_caja enlaza libkvr_core directamente" >&2; exit 1
 fi
 "$tmp/anfitrion/anfitrion_caja"
+# The kvr command finds the installed libraries from bin/ by itself too.
+test "$("$tmp/prefijo/bin/kvr" letras 21 --moneda ESP)" = "veintiuna pesetas"
+test -s "$tmp/prefijo/share/bash-completion/completions/kvr"
