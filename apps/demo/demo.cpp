@@ -291,6 +291,15 @@ Demo::Demo(QWidget *parent)
     });
     auxiliares->addWidget(copia);
     kvr::IconoBandeja(QStringLiteral("Demo de Runtime KVR"));
+
+    // What the runtime is, in two lines, above everything else.
+    auto *queEs = new QLabel(QStringLiteral(
+        "<b>Runtime KVR</b>: las ventanas y rutinas de campo que comparten las aplicaciones de gestión.<br>"
+        "Calculadora, agenda, cajas de mensaje y de datos, tablas, ayuda, impresora y progreso; "
+        "también desde guiones con la orden «kvr»."), this);
+    queEs->setObjectName(QStringLiteral("etiQueEs"));
+    queEs->setWordWrap(true);
+    raiz->insertWidget(0, queEs);
 }
 
 void Demo::keyReleaseEvent(QKeyEvent *evento)
