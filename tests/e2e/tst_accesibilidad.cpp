@@ -33,6 +33,15 @@ void sinNombre(QAccessibleInterface *iface, QStringList &faltan, int profundidad
         sinNombre(iface->child(i), faltan, profundidad + 1);
 }
 
+QString nombres(const QSet<QWidget *> &ws)
+{
+    QStringList n;
+    for (QWidget *w : ws)
+        n << w->objectName();
+    n.sort();
+    return n.join(QStringLiteral(", "));
+}
+
 using Fabrica = std::function<QWidget *(const QString &carpeta)>;
 
 } // namespace
@@ -122,6 +131,46 @@ private Q_SLOTS:
             delete ventana.data();
         }
         QVERIFY2(faltan.isEmpty(), qPrintable(QStringLiteral("sin nombre: ") + faltan.join(QStringLiteral(", "))));
+    }
+
+    // From the keyboard alone: Tab, pressed on whatever has the focus, reaches every visible
+    // control that takes the focus by Tab, and none of them keeps it (a grid that moved between
+    // its cells with Tab would hold the user there).
+    void tabulador_data() { ventanas_data(); }
+    void tabulador()
+    {
+        QFETCH(Fabrica, fabrica);
+        QPointer<QWidget> ventana = fabrica(m_dir.path());
+        QVERIFY(ventana);
+        ventana->show();
+        ventana->activateWindow();
+        QCoreApplication::processEvents();
+        QSet<QWidget *> esperados;
+        for (QWidget *w : ventana->findChildren<QWidget *>()) {
+            if (w->isVisibleTo(ventana) && w->isEnabled() && (w->focusPolicy() & Qt::TabFocus)
+                && !w->focusProxy() && w->window() == ventana)
+                esperados.insert(w);
+        }
+        QSet<QWidget *> alcanzados;
+        for (int i = 0; i < 3 * esperados.size() + 3 && ventana; ++i) {
+            QWidget *foco = QApplication::focusWidget();
+            if (!foco || foco->window() != ventana)
+                break;
+            alcanzados.insert(foco);
+            QTest::keyClick(foco, Qt::Key_Tab);
+            QCoreApplication::processEvents();
+        }
+        QStringList faltan;
+        for (QWidget *w : std::as_const(esperados))
+            if (!alcanzados.contains(w))
+                faltan << w->objectName();
+        const QString vistos = nombres(alcanzados);
+        if (ventana) {
+            ventana->setAttribute(Qt::WA_DeleteOnClose, false);
+            ventana->hide();
+            delete ventana.data();
+        }
+        QVERIFY2(faltan.isEmpty(), qPrintable(QStringLiteral("sin alcanzar: ") + faltan.join(QStringLiteral(", ")) + QStringLiteral("; alcanzados: ") + vistos));
     }
 };
 
