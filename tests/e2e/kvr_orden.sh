@@ -102,12 +102,13 @@ lanzar ayuda "$DATOS/ayuda_demo.rtf"
 teclas "Ayuda" Escape; terminar; comprobar "ayuda" 0 ""
 lanzar ayuda "$tmp/no_existe.rtf"; terminar; comprobar "ayuda sin fichero" 2 ""
 
-# Table editor: opened on a file and left with "Salir" reached from the keyboard; nothing was
-# saved, so it closes without asking.
+# Table editor: the grid has the focus; Tab to the field, a new element, Enter to "Aceptar"
+# (the focus goes back to the field), Tab Tab to "Grabar", Tab to "Salir".
 printf 'LUGO\r\nMADRID\r\n' > "$tmp/tabla.txt"
 lanzar tabla "$tmp/tabla.txt" --titulos "Provincia#25"
-teclas "Edición de Tablas" texto:soria Return space Tab Tab space Tab space; terminar
+teclas "Edición de Tablas" Tab texto:soria Return space Tab Tab space Tab space; terminar
 comprobar "tabla" 0 ""
+salida=$(tr -d '\r' < "$tmp/tabla.txt"); comprobar "tabla grabada" 0 "$(printf 'LUGO\nMADRID\nSORIA')"
 
 # Without a window.
 lanzar letras 1234,56; terminar
