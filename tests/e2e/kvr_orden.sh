@@ -87,6 +87,14 @@ comprobar "progreso" 0 ""
 # Printer chooser: Escape cancels.
 lanzar impresora
 teclas "Impresora" Escape; terminar; comprobar "impresora cancelada" 1 ""
+# With the test queues of src/printer/colas_cups.sh (PDF, portrait, the default), Enter accepts
+# the default queue in its own orientation or, with --apaisado, in the other one.
+if [ "$(lpstat -d 2>/dev/null)" = "system default destination: PDF" ]; then
+    lanzar impresora
+    teclas "Impresora" Return; terminar; comprobar "impresora aceptada" 0 "$(printf 'PDF\nVertical')"
+    lanzar impresora --apaisado
+    teclas "Impresora" Return; terminar; comprobar "impresora apaisada" 0 "$(printf 'PDF\nHorizontal')"
+fi
 
 # Phone book: a search, then "Salir" (Shift+Tab from the search field) with no address picked.
 mkdir -p "$tmp/tlf" && cp "$DATOS/TELEFONO.DAT" "$tmp/tlf/"
