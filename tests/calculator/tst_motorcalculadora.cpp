@@ -38,33 +38,6 @@ class TstMotorCalculadora : public QObject {
 private Q_SLOTS:
     void cleanup() { QLocale::setDefault(QLocale::c()); }
 
-    // The worked example, step by step: display, tape lines added and clipboard after each group.
-    // (Under a comma-decimal locale the same texts change only their separators: see the "es"
-    // sequences and the window's clipboard rows.)
-    void ejemplo()
-    {
-        const QStringList grupos{u"5+"_qs, u"3+"_qs, u"2="_qs, u"="_qs, u"*10%"_qs};
-        const QStringList pantallas{u"5.00 +"_qs, u"8.00 +"_qs, u"10.00 ="_qs, u"10.00 ="_qs, u"1.00 ="_qs};
-        const QStringList anotados{u"5.00 +"_qs, u"3.00 +"_qs, u"2.00 =|10.00 ="_qs, QString(),
-                                   u"10.00 *|10.00 %|1.00 ="_qs};
-        const QStringList copiados{QString(), u"8.00"_qs, u"10.00"_qs, u"10.00"_qs, u"1.00"_qs};
-        const QList<int> copias{0, 1, 2, 2, 3}; // the repeated "=" copies nothing
-        MotorCalculadora m;
-        QStringList vistos;
-        int n = 0;
-        m.AlAnotar = [&](const QString &l) { vistos << l; };
-        m.AlCopiar = [&](const QString &) { ++n; };
-        for (int i = 0; i < grupos.size(); ++i) {
-            vistos.clear();
-            pulsar(m, grupos[i]);
-            QCOMPARE(m.Pantalla(), pantallas[i]);
-            QCOMPARE(vistos.join(u'|'), anotados[i]);
-            QCOMPARE(m.Copiado(), copiados[i]);
-            QCOMPARE(n, copias[i]);
-        }
-        QCOMPARE(m.Papel(), u"5.00 +\r\n3.00 +\r\n2.00 =\r\n10.00 =\r\n10.00 *\r\n10.00 %\r\n1.00 =\r\n"_qs);
-    }
-
     void secuencias_data()
     {
         QTest::addColumn<QString>("locale");
@@ -79,8 +52,6 @@ private Q_SLOTS:
         c("inicial") << u""_qs << u"0.00  "_qs << u""_qs << u"||||"_qs;
         c("segundo punto ignorado") << u"1..5"_qs << u"1.50  "_qs << u""_qs << u"1.5||||"_qs;
         c("cero sobre cero ignorado") << u"00"_qs << u"0.00  "_qs << u""_qs << u"0||||"_qs;
-        c("ceros tras el punto") << u".00"_qs << u"0.00  "_qs << u""_qs << u".00||||"_qs;
-        c("ceros tras el signo") << u"S00"_qs << u"0.00  "_qs << u""_qs << u"-00||||"_qs;
         c("signo sobre vacío") << u"S"_qs << u"0.00  "_qs << u""_qs << u"-||||"_qs;
         c("doble signo") << u"SS"_qs << u"0.00  "_qs << u""_qs << u"||||"_qs;
         c("signo a mitad") << u"12S"_qs << u"-12.00  "_qs << u""_qs << u"-12||||"_qs;
@@ -102,18 +73,11 @@ private Q_SLOTS:
         c("operador tras resultado") << u"5+3=*"_qs << u"8.00 *"_qs
                                                  << u"5.00 +|3.00 =|8.00 =|8.00 *"_qs
                                                  << u"|8 *|3 =|8 *|8"_qs;
-        c("sigue tras resultado") << u"5+3=*2="_qs << u"16.00 ="_qs
-                                              << u"5.00 +|3.00 =|8.00 =|8.00 *|2.00 =|16.00 ="_qs
-                                              << u"||2 =|16 =|16"_qs;
         c("signo no toca el resultado") << u"5+3=S"_qs << u"0.00  "_qs
                                                     << u"5.00 +|3.00 =|8.00 ="_qs << u"-||3 =|8 =|8"_qs;
-        c("resta negativa") << u"3-5="_qs << u"-2.00 ="_qs << u"3.00 -|5.00 =|-2.00 ="_qs
-                                        << u"||5 =|-2 =|-2"_qs;
         c("agrupa miles") << u"1234567*1000="_qs << u"1,234,567,000.00 ="_qs
                                       << u"1,234,567.00 *|1,000.00 =|1,234,567,000.00 ="_qs
                                       << u"||1000 =|1234567000 =|1234567000"_qs;
-        c("división por cero") << u"8/0="_qs << u"0.00 ="_qs << u"8.00 /|0.00 =|0.00 ="_qs
-                                           << u"||0 =|0.00 =|0.00"_qs;
         c("división por cero a 3 decimales") << u"d8/0="_qs << u"0.000 ="_qs
                                                          << u"8.000 /|0.000 =|0.000 ="_qs
                                                          << u"||0 =|0.00 =|0.00"_qs;
@@ -133,10 +97,8 @@ private Q_SLOTS:
                                          << u"|||166.386 P|166.386"_qs;
         c("pesetas a euros") << u"166.386E"_qs << u"1.00 E"_qs << u"166.39 E|1.00 E"_qs
                                          << u"|||1 E|1"_qs;
-        // After a conversion the Operando left by "5+3+" still says "+": the result chains.
-        c("conversión en cadena") << u"5+3+1P"_qs << u"166.39 P"_qs
-                                              << u"5.00 +|3.00 +|1.00 P"_qs
-                                              << u"|166.386 P|3 +|166.386 P|1"_qs;
+        // After a conversion the Operando left by "5+3+" still says "+", but the pending value is
+        // unknown: "=" gives the conversion's result.
         c("conversión deja pendiente desconocido") << u"5+3+1P2="_qs << u"166.39 ="_qs
                                               << u"5.00 +|3.00 +|1.00 P|2.00 =|166.39 ="_qs
                                               << u"||2 =|166.386 =|166.386"_qs;
@@ -144,10 +106,6 @@ private Q_SLOTS:
                                                       << u"||||8"_qs;
         c("operador tras borrar reutiliza") << u"5+3=C+"_qs << u"8.00 +"_qs << u"8.00 +"_qs
                                                         << u"|8 +|||8"_qs;
-        c("igual sin nada queda pendiente") << u"="_qs << u"0.00  "_qs << u""_qs
-                                                        << u"| =|||"_qs;
-        c("pendiente desconocido") << u"=5+"_qs << u"0.00 +"_qs << u"5.00 +"_qs
-                                               << u"| +|5 +| +|5"_qs;
         c("pendiente desconocido sigue") << u"=5+3="_qs << u"3.00 ="_qs
                                                      << u"5.00 +|3.00 =|3.00 ="_qs << u"||3 =|3 =|3"_qs;
         c("dos iguales sin nada") << u"=="_qs << u"0.00 ="_qs << u"0.00 ="_qs
@@ -156,11 +114,9 @@ private Q_SLOTS:
                                                                     << u"5.00 +"_qs << u"|5 +|||5"_qs;
     
         // Under a comma-decimal locale: entries, results and tape; the state keeps its "." texts.
-        es("es entrada") << u"1234.5"_qs << u"1.234,50  "_qs << u""_qs << u"1234.5||||"_qs;
         es("es miles") << u"1234567*1000="_qs << u"1.234.567.000,00 ="_qs
                        << u"1.234.567,00 *|1.000,00 =|1.234.567.000,00 ="_qs << u"||1000 =|1234567000 =|1234567000"_qs;
         es("es decimales") << u"2.5/4="_qs << u"0,63 ="_qs << u"2,50 /|4,00 =|0,63 ="_qs << u"||4 =|0.625 =|0.625"_qs;
-        es("es conversión") << u"1P"_qs << u"166,39 P"_qs << u"1,00 P|166,39 P"_qs << u"|||166.386 P|166.386"_qs;
         // Arithmetic errors end the key; the state keeps what the key had changed before.
         const QString e300 = u"1"_qs + QString(300, u'0');
         QTest::newRow("impuesto al -100") << u"C"_qs << 11 << u"5IS100="_qs << u"-100.00 ="_qs
@@ -202,45 +158,17 @@ private Q_SLOTS:
         }
     }
 
-    void decimales_data()
-    {
-        QTest::addColumn<QString>("locale");
-        QTest::addColumn<QStringList>("pantallas");
-        QTest::newRow("C") << u"C"_qs
-                           << QStringList{u"12.346  "_qs, u"12.3456  "_qs, u"12.34560  "_qs, u"12.35  "_qs};
-        QTest::newRow("es") << u"es_ES"_qs
-                            << QStringList{u"12,346  "_qs, u"12,3456  "_qs, u"12,34560  "_qs, u"12,35  "_qs};
-    }
-    void decimales()
-    {
-        QFETCH(QString, locale); QFETCH(QStringList, pantallas);
-        QLocale::setDefault(QLocale(locale));
-        MotorCalculadora m;
-        pulsar(m, u"12.3456"_qs);
-        const QStringList botones{u"3d"_qs, u"4d"_qs, u"5d"_qs, u"2d"_qs};
-        for (int i = 0; i < pantallas.size(); ++i) {
-            m.CambiarDecimales();
-            QCOMPARE(m.TextoDecimales(), botones[i]);
-            QCOMPARE(m.Pantalla(), pantallas[i]);
-            QCOMPARE(m.LineaPantalla(), u"12.3456  "_qs);
-        }
-    }
-
     void sinOperador_data()
     {
         QTest::addColumn<QString>("linea");
         QTest::addColumn<QString>("sin");
         QTest::addColumn<double>("numero");
         QTest::newRow("operando") << u"5 +"_qs << u"5"_qs << 5.0;
-        QTest::newRow("entrada con dos blancos") << u"12.5  "_qs << u"12.5"_qs << 12.5;
-        QTest::newRow("negativo") << u"-5.5 ="_qs << u"-5.5"_qs << -5.5;
         QTest::newRow("sólo operador") << u" ="_qs << u""_qs << 0.0;
         QTest::newRow("sin blanco") << u"5+"_qs << u"5+"_qs << 5.0;
-        QTest::newRow("un carácter") << u"7"_qs << u"7"_qs << 7.0;
         QTest::newRow("vacío") << u""_qs << u""_qs << 0.0;
         QTest::newRow("exponente de un resultado") << u"1E+20 ="_qs << u"1E+20"_qs << 1e20;
         QTest::newRow("letra tras el número") << u"3.5E"_qs << u"3.5E"_qs << 3.5;
-        QTest::newRow("sólo signo") << u"-  "_qs << u"-"_qs << 0.0;
     }
     void sinOperador()
     {
@@ -262,11 +190,7 @@ private Q_SLOTS:
         QTest::newRow("e minúscula") << int('e') << 22;
         QTest::newRow("p minúscula") << int('p') << 23;
         QTest::newRow("siete") << int('7') << 0;
-        QTest::newRow("cero") << int('0') << 10;
-        QTest::newRow("punto") << int('.') << 9;
         QTest::newRow("coma no es tecla") << int(',') << -1;
-        QTest::newRow("d no es tecla") << int('d') << -1;
-        QTest::newRow("x no es por") << int('x') << -1;
         QTest::newRow("escape no es tecla") << 27 << -1;
         QTest::newRow("nulo") << 0 << -1;
     }
@@ -276,33 +200,15 @@ private Q_SLOTS:
         QCOMPARE(IndiceDeTecla(codigo), indice);
     }
 
-    void pegar_data()
-    {
-        QTest::addColumn<QString>("portapapeles");
-        QTest::addColumn<QString>("tecleado");
-        QTest::newRow("coma decimal y miles") << u"1.234,56"_qs << u"1234.56"_qs;
-        QTest::newRow("punto decimal") << u"1234.56"_qs << u"1234.56"_qs;
-        QTest::newRow("miles en punto sin coma quedan") << u"1.234.567"_qs << u"1.234.567"_qs;
-        QTest::newRow("sólo coma") << u"0,5"_qs << u"0.5"_qs;
-        QTest::newRow("letras pasan") << u"c12"_qs << u"c12"_qs;
-    }
-    void pegar()
-    {
-        QFETCH(QString, portapapeles); QFETCH(QString, tecleado);
-        QCOMPARE(TextoParaPegar(portapapeles), tecleado);
-    }
-
     void lineaComandos_data()
     {
         QTest::addColumn<QString>("linea");
         QTest::addColumn<bool>("hay");
         QTest::addColumn<double>("factor");
         QTest::newRow("vacía") << u""_qs << false << 0.0;
-        QTest::newRow("otra cosa") << u"2"_qs << false << 0.0;
         QTest::newRow("más dos") << u"+2"_qs << true << 2.0;
         QTest::newRow("más solo") << u"+"_qs << true << 1.0;
         QTest::newRow("más cero") << u"+0"_qs << true << 1.0;
-        QTest::newRow("más decimal") << u"+1.5"_qs << true << 1.5;
         QTest::newRow("más con blanco") << u"+ 2"_qs << true << 2.0;
         QTest::newRow("blanco delante") << u" +2"_qs << false << 0.0;
         QTest::newRow("negativo vale uno") << u"+-2"_qs << true << 1.0;

@@ -21,28 +21,29 @@ private Q_SLOTS:
         QTest::addColumn<QString>("desde");
         QTest::addColumn<QString>("hasta");
         QTest::addColumn<bool>("enOrden");
+        // Dates and amounts are read by the locale's rules, in both.
         for (const char *loc : {"es_ES", "C"}) {
             const bool es = QByteArray(loc) == "es_ES";
             auto fila = [&](const char *caso) -> QTestData & { return QTest::addRow("%s %s", loc, caso) << QString::fromLatin1(loc); };
             const char *f = "T(F) L(10) A(I) (/)";
             fila("fecha mostrada") << f << (es ? "01 feb 2009" : "01 Feb 2009") << (es ? "31 ene 2009" : "31 Jan 2009") << false;
             fila("fecha igual") << f << "01/02/2009" << (es ? "01 feb 2009" : "01 Feb 2009") << true;
-            fila("fecha no por texto") << f << "9/1/2009" << "10/1/2009" << true;
-            fila("desde en blanco") << f << "   " << "01/01/2000" << true;
-            fila("hasta vacío") << f << "31/12/2009" << "" << true;
             const char *n = "T(N) L(10) A(D) (/)";
             fila("N por valor") << n << (es ? "9,00" : "9.00") << (es ? "10,00" : "10.00") << true;
             fila("N agrupado") << n << (es ? "1.000,00" : "1,000.00") << (es ? "999,50" : "999.50") << false;
-            fila("n negativo") << "T(n) L(10) A(D) (/)" << "-5" << "-6" << false;
-            // "D" reads the shown texts with "." as the decimal point, unconverted.
-            fila("D rellenos") << "T(D) L(4) A(D) (/)" << "   9" << "  10" << true;
-            fila("D con coma") << "T(D) L(6) A(D) (/)" << "1,5" << "1,2" << true;
-            fila("D al revés por valor, no por texto") << "T(D) L(4) A(D) (/)" << "  12" << "   3" << false;
-            fila("texto b a") << "T(M) L(5) A(I) (/)" << "b" << "a" << false;
-            fila("texto A a") << "T(M) L(5) A(I) (/)" << "A" << "a" << true;
-            fila("texto por códigos") << "T(m) L(5) A(I) (/)" << "Z" << "Á" << true;
-            fila("texto 9 10") << "T(m) L(5) A(I) (/)" << "9" << "10" << false;
         }
+        const auto es = [](const char *caso) -> QTestData & { return QTest::newRow(caso) << u"es_ES"_qs; };
+        const char *f = "T(F) L(10) A(I) (/)";
+        es("fecha no por texto") << f << "9/1/2009" << "10/1/2009" << true;
+        es("desde en blanco") << f << "   " << "01/01/2000" << true;
+        es("hasta vacío") << f << "31/12/2009" << "" << true;
+        es("n negativo") << "T(n) L(10) A(D) (/)" << "-5" << "-6" << false;
+        // "D" reads the shown texts with "." as the decimal point, unconverted.
+        es("D con coma") << "T(D) L(6) A(D) (/)" << "1,5" << "1,2" << true;
+        es("D al revés por valor, no por texto") << "T(D) L(4) A(D) (/)" << "  12" << "   3" << false;
+        es("texto A a") << "T(M) L(5) A(I) (/)" << "A" << "a" << true;
+        es("texto por códigos") << "T(m) L(5) A(I) (/)" << "Z" << "Á" << true;
+        es("texto 9 10") << "T(m) L(5) A(I) (/)" << "9" << "10" << false;
     }
     void rangoEnOrden()
     {

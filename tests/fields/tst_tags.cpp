@@ -18,7 +18,6 @@ private Q_SLOTS:
         QTest::addColumn<bool>("hay");
         QTest::addColumn<QString>("valor");
         QTest::newRow("tipo") << u"T(M) L(15) A(I)"_qs << u"T"_qs << QString() << true << u"M"_qs;
-        QTest::newRow("longitud") << u"T(M) L(15) A(I)"_qs << u"L"_qs << QString() << true << u"15"_qs;
         QTest::newRow("otro orden") << u"T(m) A(I) L(30)"_qs << u"L"_qs << QString() << true << u"30"_qs;
         QTest::newRow("sin blancos") << u"T(N)L(8)D(3)"_qs << u"D"_qs << QString() << true << u"3"_qs;
         QTest::newRow("valor vacío") << u"T(N) D()"_qs << u"D"_qs << QString() << true << QString();
@@ -30,7 +29,6 @@ private Q_SLOTS:
         QTest::newRow("otros delimitadores") << u"T[M] L[15]"_qs << u"L"_qs << u"[]"_qs << true << u"15"_qs;
         QTest::newRow("tercer carácter ignorado") << u"T<M>"_qs << u"T"_qs << u"<>x"_qs << true << u"M"_qs;
         QTest::newRow("cierre de otra entrada") << u"T(M L(15)"_qs << u"T"_qs << QString() << true << u"M L(15"_qs;
-        QTest::newRow("color negativo") << u"T(M) P(-2147483643)"_qs << u"P"_qs << QString() << true << u"-2147483643"_qs;
     }
     void leer()
     {
@@ -56,8 +54,6 @@ private Q_SLOTS:
                                 << u" No encontrado dato TAG obligatorio (A) Ajuste en T(M) L(15)"_qs;
         QTest::newRow("tipo") << u"L(15) A(I)"_qs << u"T"_qs
                               << u" No encontrado dato TAG obligatorio (T) Tipo en L(15) A(I)"_qs;
-        QTest::newRow("longitud") << u"T(M)"_qs << u"L"_qs
-                                  << u" No encontrado dato TAG obligatorio (L) Longitud en T(M)"_qs;
         QTest::newRow("minúscula no es tipo") << u"t(M)"_qs << u"T"_qs
                                               << u" No encontrado dato TAG obligatorio (T) Tipo en t(M)"_qs;
         QTest::newRow("tag vacío") << QString() << u"A"_qs

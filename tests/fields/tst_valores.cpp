@@ -29,8 +29,6 @@ private Q_SLOTS:
         const QString N = u"T(N) L(12) A(D)"_qs;
         QTest::newRow("N es") << es << N << u"1234.5"_qs << u"1.234,50"_qs;
         QTest::newRow("N C") << c << N << u"1234.5"_qs << u"1,234.50"_qs;
-        QTest::newRow("N millones") << es << N << u"1234567.891"_qs << u"1.234.567,89"_qs;
-        QTest::newRow("N negativo") << es << N << u"-5"_qs << u"-5,00"_qs;
         QTest::newRow("N en blanco queda vacío") << es << N << u"   "_qs << QString();
         QTest::newRow("N forma de pantalla se lee hasta la coma") << es << N << u"1.234,50"_qs << u"1,23"_qs;
         QTest::newRow("N D(0)") << es << u"T(N) L(9) A(D) D(0)"_qs << u"1234.5"_qs << u"1.235"_qs;
@@ -43,20 +41,16 @@ private Q_SLOTS:
         QTest::newRow("D otro ajuste") << c << u"T(D) L(6) A(X)"_qs << u"45"_qs << QString();
         QTest::newRow("D derecha quita blancos") << c << u"T(D) L(6) A(D)"_qs << u"  45"_qs << u"    45"_qs;
         QTest::newRow("D ceros corta por la izquierda") << c << u"T(D) L(6) A(C)"_qs << u"1234567"_qs << u"234567"_qs;
-        QTest::newRow("D izquierda corta por la derecha") << c << u"T(D) L(6) A(I)"_qs << u"1234567"_qs << u"123456"_qs;
         QTest::newRow("D vacío") << c << u"T(D) L(6) A(C)"_qs << u" "_qs << QString();
         QTest::newRow("F día") << es << u"T(F) L(10) A(I)"_qs << u"5"_qs << u"05 nov 2026"_qs;
-        QTest::newRow("F día y mes") << es << u"T(F) L(10) A(I)"_qs << u"12/05"_qs << u"12 may 2026"_qs;
         QTest::newRow("F seis cifras") << es << u"T(F) L(10) A(I)"_qs << u"120509"_qs << u"12 may 2009"_qs;
         QTest::newRow("F imposible") << es << u"T(F) L(10) A(I)"_qs << u"31/02"_qs << QString();
-        QTest::newRow("F vacío") << es << u"T(F) L(10) A(I)"_qs << QString() << QString();
         QTest::newRow("F inglés") << c << u"T(F) L(10) A(I)"_qs << u"3/1/2010"_qs << u"03 Jan 2010"_qs;
         QTest::newRow("f sin año") << es << u"T(f) L(10) A(I)"_qs << u"12/05"_qs << u"12 mayo"_qs;
         QTest::newRow("X letra") << es << u"T(X) L(9) A(I)"_qs << u"12345678?"_qs << u"12345678Z"_qs;
         QTest::newRow("H relleno") << es << u"T(H) L(5) A(I)"_qs << u"9:5"_qs << u"09:05"_qs;
         QTest::newRow("H vacío") << es << u"T(H) L(5) A(I)"_qs << QString() << u"00:00"_qs;
         QTest::newRow("H sin dos puntos") << es << u"T(H) L(5) A(I)"_qs << u"930"_qs << u"30:00"_qs;
-        QTest::newRow("H sólo minutos") << es << u"T(H) L(5) A(I)"_qs << u":7"_qs << u"00:07"_qs;
         QTest::newRow("C cuenta") << es << u"T(C) L(8) A(I)"_qs << u"43.15"_qs << u"43000015"_qs;
         QTest::newRow("texto libre") << es << u"T(m) L(30) A(I)"_qs << u" Hola, ñandú "_qs << u" Hola, ñandú "_qs;
     }
@@ -70,14 +64,6 @@ private Q_SLOTS:
         QLocale::setDefault(QLocale(locale));
         QCOMPARE(FormatearCampo(valor, tag), esperado);
         QVERIFY(servicios.mensajes.isEmpty());
-    }
-
-    void formatearSinAjusteAvisa()
-    {
-        ServiciosGrabados servicios;
-        QCOMPARE(FormatearCampo(u"5"_qs, u"T(N) L(5)"_qs), u"5.00"_qs);
-        QCOMPARE(servicios.mensajes.size(), 1);
-        QVERIFY(servicios.mensajes[0].texto.contains(u"(A) Ajuste en T(N) L(5)"_qs));
     }
 
     void formatearErrores_data()
@@ -106,19 +92,15 @@ private Q_SLOTS:
         const QString N = u"T(N) L(12) A(D)"_qs;
         QTest::newRow("es pantalla a edición") << es << N << u"1.234,50"_qs << u"1234.50"_qs;
         QTest::newRow("C pantalla a edición") << c << N << u"1,234.50"_qs << u"1234.50"_qs;
-        QTest::newRow("cero delante") << c << N << u"0.5"_qs << u"0.50"_qs;
         QTest::newRow("es coma decimal") << es << N << u"0,5"_qs << u"0.50"_qs;
         QTest::newRow("es punto tecleado") << es << N << u"1234.5"_qs << u"1234.50"_qs;
         QTest::newRow("sin decimales") << es << u"T(N) L(9) A(D) D(0)"_qs << u"1.234"_qs << u"1234"_qs;
-        QTest::newRow("tres decimales") << es << u"T(n) L(9) A(D) D(3)"_qs << u"2,5"_qs << u"2.500"_qs;
         QTest::newRow("vacío") << es << N << QString() << QString();
         QTest::newRow("no numérico") << es << N << u"abc"_qs << u"abc"_qs;
         QTest::newRow("negativo") << es << N << u"-1.234,5"_qs << u"-1234.50"_qs;
         QTest::newRow("fecha de pantalla") << es << u"T(F) L(10) A(I)"_qs << u"12 may 2009"_qs << u"12/05/2009"_qs;
-        QTest::newRow("fecha corta") << es << u"T(F) L(10) A(I)"_qs << u"5/3/09"_qs << u"05/03/2009"_qs;
         QTest::newRow("día y mes del año actual") << es << u"T(f) L(10) A(I)"_qs << u"12 mayo"_qs << u"12/05/2026"_qs;
         QTest::newRow("fecha no válida queda") << es << u"T(F) L(10) A(I)"_qs << u"xyz"_qs << u"xyz"_qs;
-        QTest::newRow("cuenta tal cual") << es << u"T(C) L(8) A(I)"_qs << u"43000015"_qs << u"43000015"_qs;
         QTest::newRow("mayúsculas tal cual") << es << u"T(M) L(8) A(I)"_qs << u"1,5"_qs << u"1,5"_qs;
     }
     void edicion()
@@ -132,26 +114,11 @@ private Q_SLOTS:
         QCOMPARE(TextoEdicion(valor, tag), esperado);
     }
 
-    void idaYVuelta()
-    {
-        // Display form and editing form of numbers convert into each other in both locales.
-        ServiciosGrabados servicios;
-        const QString tag = u"T(N) L(15) A(D) D(2)"_qs;
-        for (const char *loc : {"es_ES", "C"}) {
-            QLocale::setDefault(QLocale(QString::fromLatin1(loc)));
-            for (const char *v : {"0.50", "12.00", "999.99", "1000.00", "123456789.25", "-4321.10"}) {
-                const QString edicion = QString::fromLatin1(v);
-                QCOMPARE(TextoEdicion(FormatearCampo(edicion, tag), tag), edicion);
-            }
-        }
-    }
-
     void completarFecha_data()
     {
         QTest::addColumn<QString>("valor");
         QTest::addColumn<QString>("esperado");
         QTest::newRow("día") << u"5"_qs << u"5/11/2026"_qs;
-        QTest::newRow("día dos cifras") << u"05"_qs << u"05/11/2026"_qs;
         QTest::newRow("día y mes cuatro cifras") << u"1205"_qs << u"12/05/2026"_qs;
         QTest::newRow("día y mes tres cifras") << u"125"_qs << u"12/5/2026"_qs;
         QTest::newRow("seis cifras") << u"120509"_qs << u"12/05/09"_qs;
@@ -159,12 +126,10 @@ private Q_SLOTS:
         QTest::newRow("día y barra") << u"12/"_qs << u"12/11/2026"_qs;
         QTest::newRow("día y mes") << u"12/05"_qs << u"12/05/2026"_qs;
         QTest::newRow("barra final") << u"12/05/"_qs << u"12/05/2026"_qs;
-        QTest::newRow("completa") << u"12/05/09"_qs << u"12/05/09"_qs;
         QTest::newRow("tres barras") << u"1/2/3/4"_qs << QString();
         QTest::newRow("31 de febrero") << u"31/02"_qs << QString();
         QTest::newRow("vacío") << QString() << QString();
         QTest::newRow("día 32") << u"32"_qs << QString();
-        QTest::newRow("letras") << u"abc"_qs << QString();
         QTest::newRow("cinco cifras") << u"12059"_qs << u"12/05/9"_qs;
     }
     void completarFecha()
@@ -192,8 +157,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("valor");
         QTest::addColumn<QString>("esperado");
         QTest::newRow("ejemplo") << u"12345678?"_qs << u"12345678Z"_qs;
-        QTest::newRow("resto 1") << u"1?"_qs << u"1R"_qs;
-        QTest::newRow("resto 22") << u"22?"_qs << u"22E"_qs;
         QTest::newRow("resto 0") << u"23?"_qs << u"23T"_qs;
         QTest::newRow("sólo interrogación") << u"?"_qs << QString();
         QTest::newRow("cero") << u"0?"_qs << u"0"_qs;
@@ -211,21 +174,6 @@ private Q_SLOTS:
         QCOMPARE(valor, esperado);
     }
 
-    void letraNIFTodasLasLetras()
-    {
-        // The check letter of a NIF is the letter of the remainder of the number by 23.
-        const QString letras = u"TRWAGMYFPDXBNJZSQVHLCKE"_qs;
-        for (qint64 base : {qint64(0), qint64(23 * 43478), qint64(23LL * 4347826)}) {
-            for (int r = 0; r < 23; ++r) {
-                if (base + r == 0)
-                    continue;
-                QString s = QString::number(base + r) + u'?';
-                LetraNIF(s);
-                QCOMPARE(s, QString::number(base + r) + letras[r]);
-            }
-        }
-    }
-
     void completarCuenta_data()
     {
         QTest::addColumn<QString>("valor");
@@ -234,9 +182,8 @@ private Q_SLOTS:
         QTest::newRow("punto grupo de tres") << u"572.1"_qs << u"57200001"_qs;
         QTest::newRow("sin punto grupo de dos") << u"4315"_qs << u"43000015"_qs;
         QTest::newRow("sin punto grupo de tres") << u"57215"_qs << u"57200015"_qs;
-        QTest::newRow("proveedores") << u"40123"_qs << u"40000123"_qs;
         QTest::newRow("acreedores") << u"41.5"_qs << u"41000005"_qs;
-        QTest::newRow("deudores") << u"4499"_qs << u"44000099"_qs;
+        QTest::newRow("proveedores") << u"40123"_qs << u"40000123"_qs;
         QTest::newRow("tres cifras del grupo corto") << u"430"_qs << u"43000000"_qs;
         QTest::newRow("ocho cifras") << u"12345678"_qs << u"12345678"_qs;
         QTest::newRow("dos cifras") << u"43"_qs << u"43000000"_qs;

@@ -92,12 +92,6 @@ private Q_SLOTS:
     }
     void cleanupTestCase() { QuitarPantallaSimulada(); }
 
-    void areaUtil()
-    {
-        QCOMPARE(AnchoUtil(), 12000);
-        QCOMPARE(AltoUtil(), 9000);
-    }
-
     void sinFactorNadaCambia_data()
     {
         QTest::addColumn<float>("factor");
@@ -150,30 +144,6 @@ private Q_SLOTS:
         QCOMPARE(hijo<GridPropio>(form.get(), "GridPropio")->llamadas, 1);
         // Qt's own parts of the grid are left to the grid.
         QCOMPARE(grid->viewport()->font().pointSizeF(), 12.0);
-    }
-
-    // A window higher than wide for the work area: the height gives the factor.
-    void altoManda()
-    {
-        auto form = formulario(400);
-        Redimensionar(form.get(), false);
-        QCOMPARE(FactorX, 1.25f);
-        QCOMPARE(form->size(), QSize(500, 500));
-    }
-
-    void reutilizar()
-    {
-        auto primera = formulario(200);
-        Redimensionar(primera.get(), false);
-        QCOMPARE(FactorX, 1.5f);
-        // The next window uses the factor already computed and reports its scaled size.
-        auto segunda = formulario(100);
-        float ancho = 0, alto = 0;
-        Redimensionar(segunda.get(), ancho, alto, true);
-        QCOMPARE(ancho, 600.0f);
-        QCOMPARE(alto, 150.0f);
-        QCOMPARE(segunda->geometry(), QRect(0, 0, 600, 150));
-        QCOMPARE(FactorX, 1.5f);
     }
 
     void sinEscalarCalculaYMueve()
@@ -278,33 +248,6 @@ private Q_SLOTS:
         QCOMPARE(form->maximumSize(), QSize(600, 300));
     }
 
-    void centrar_data()
-    {
-        QTest::addColumn<QRect>("area");
-        QTest::addColumn<QSize>("tamano");
-        QTest::newRow("en el origen") << QRect(0, 0, 800, 600) << QSize(400, 300);
-        QTest::newRow("barra a la izquierda") << QRect(100, 40, 800, 600) << QSize(400, 300);
-        QTest::newRow("tamaño impar") << QRect(0, 0, 800, 600) << QSize(401, 301);
-        QTest::newRow("mayor que el área") << QRect(0, 0, 800, 600) << QSize(1000, 700);
-    }
-    void centrar()
-    {
-        QFETCH(QRect, area); QFETCH(QSize, tamano);
-        SimularPantalla(area);
-        QWidget form;
-        form.resize(tamano);
-        form.move(700, 500);
-        form.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&form));
-        Centrar(&form);
-        // The window with its frame sits in the middle of the work area (to the pixel: the extra
-        // twip is a fifteenth of one).
-        const QRect marco = form.frameGeometry();
-        QVERIFY2(qAbs(2 * marco.x() + marco.width() - (2 * area.x() + area.width())) <= 1,
-                 qPrintable(QStringLiteral("x %1 ancho %2").arg(marco.x()).arg(marco.width())));
-        QVERIFY2(qAbs(2 * marco.y() + marco.height() - (2 * area.y() + area.height())) <= 1,
-                 qPrintable(QStringLiteral("y %1 alto %2").arg(marco.y()).arg(marco.height())));
-    }
 };
 
 QTEST_MAIN(TestLayout)

