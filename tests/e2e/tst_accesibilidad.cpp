@@ -33,15 +33,6 @@ void sinNombre(QAccessibleInterface *iface, QStringList &faltan, int profundidad
         sinNombre(iface->child(i), faltan, profundidad + 1);
 }
 
-QString nombres(const QSet<QWidget *> &ws)
-{
-    QStringList n;
-    for (QWidget *w : ws)
-        n << w->objectName();
-    n.sort();
-    return n.join(QStringLiteral(", "));
-}
-
 using Fabrica = std::function<QWidget *(const QString &carpeta)>;
 
 } // namespace
@@ -164,13 +155,12 @@ private Q_SLOTS:
         for (QWidget *w : std::as_const(esperados))
             if (!alcanzados.contains(w))
                 faltan << w->objectName();
-        const QString vistos = nombres(alcanzados);
         if (ventana) {
             ventana->setAttribute(Qt::WA_DeleteOnClose, false);
             ventana->hide();
             delete ventana.data();
         }
-        QVERIFY2(faltan.isEmpty(), qPrintable(QStringLiteral("sin alcanzar: ") + faltan.join(QStringLiteral(", ")) + QStringLiteral("; alcanzados: ") + vistos));
+        QVERIFY2(faltan.isEmpty(), qPrintable(QStringLiteral("sin alcanzar: ") + faltan.join(QStringLiteral(", "))));
     }
 };
 
