@@ -479,10 +479,25 @@ std::vector<Orden> ordenes()
     };
 }
 
-bool hayPantalla()
+// Whether a window can be opened, told before Qt is started (Qt aborts without a display). A
+// local X display (":N") must also have its server's socket.
+bool hayPantalla(QString &motivo)
 {
-    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")
-        || qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        return true;
+    const QString x = qEnvironmentVariable("DISPLAY");
+    if (x.isEmpty()) {
+        motivo = QStringLiteral("DISPLAY y WAYLAND_DISPLAY están vacías");
+        return false;
+    }
+    if (x.startsWith(u':')) {
+        const QString numero = x.mid(1).section(u'.', 0, 0);
+        if (!QFile::exists(QStringLiteral("/tmp/.X11-unix/X") + numero)) {
+            motivo = QStringLiteral("no responde el servidor X de DISPLAY=%1").arg(x);
+            return false;
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -570,8 +585,8 @@ int main(int argc, char *argv[])
         QCoreApplication app(argcQt, argvQt.data());
         return orden->ejecutar(a);
     }
-    if (!hayPantalla()) {
-        escribir(stderr, QStringLiteral("kvr %1: no hay pantalla donde abrir la ventana (DISPLAY y WAYLAND_DISPLAY están vacías)\n").arg(a.orden));
+    if (QString motivo; !hayPantalla(motivo)) {
+        escribir(stderr, QStringLiteral("kvr %1: no hay pantalla donde abrir la ventana (%2)\n").arg(a.orden, motivo));
         return ErrorUso;
     }
     QApplication app(argcQt, argvQt.data());

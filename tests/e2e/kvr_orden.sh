@@ -139,6 +139,9 @@ grep -q "opción no válida «--colores»" "$tmp/error" || { echo "FALLO  mensaj
 env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$K" mensaje "Hola" > "$tmp/salida" 2> "$tmp/error"
 estado=$?; salida=$(cat "$tmp/error"); comprobar "sin pantalla" 2 \
   "kvr mensaje: no hay pantalla donde abrir la ventana (DISPLAY y WAYLAND_DISPLAY están vacías)"
+DISPLAY=:987 "$K" mensaje "Hola" > "$tmp/salida" 2> "$tmp/error"
+estado=$?; salida=$(cat "$tmp/error"); comprobar "pantalla que no responde" 2 \
+  "kvr mensaje: no hay pantalla donde abrir la ventana (no responde el servidor X de DISPLAY=:987)"
 
 echo "$fallos fallos"
 [ "$fallos" = 0 ]
