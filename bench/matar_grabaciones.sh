@@ -18,8 +18,8 @@ vistos_b=0
 for ((i = 1; i <= veces; i++)); do
   "$programa" alternar "$filas" > "$dir/salida" 2>&1 &
   pid=$!
-  # Wait until it has written its references, then let it save for a random while.
-  for ((j = 0; j < 400; j++)); do
+  # Wait until it is ready to save (its references written), then let it save for a random while.
+  for ((j = 0; j < 6000; j++)); do
     grep -q LISTO "$dir/salida" 2>/dev/null && break
     sleep 0.01
   done
@@ -39,6 +39,6 @@ for ((i = 1; i <= veces; i++)); do
     cp "$dir/TELEFONO.DAT" "/tmp/TELEFONO.roto.$i"
   fi
 done
-restos=$(find "$dir" -maxdepth 1 -name 'TELEFONO.DAT?*' ! -name 'TELEFONO.DAT.lock' | wc -l)
-echo "matar_grabaciones: $veces muertes con $filas contactos: versión A $vistos_a, versión B $vistos_b, rotos $rotos, temporales sueltos $restos"
+restos=$(find "$dir" -maxdepth 1 -name 'TELEFONO.DAT?*' ! -name 'TELEFONO.DAT.lock' -printf '%f ')
+echo "matar_grabaciones: $veces muertes con $filas contactos: versión A $vistos_a, versión B $vistos_b, rotos $rotos, temporales sueltos: ${restos:-ninguno}"
 [ "$rotos" -eq 0 ]

@@ -5,7 +5,8 @@
 //       printing "GRABADO name" or "RECHAZADO name: message" for each (any box is answered at
 //       once); PAUSA_MS waits between contacts.
 //   agenda_proceso alternar FILAS
-//       makes two phone books of FILAS contacts, writes the bytes each saves as A.ref and B.ref,
+//       makes two phone books of FILAS contacts, writes the bytes each saves as A.ref and B.ref
+//       (once, when they are not there yet),
 //       prints "LISTO" and then saves A and B in turn over TELEFONO.DAT until it is killed.
 //   agenda_proceso bloquear CERROJO
 //       takes the lock file CERROJO as a save does, prints "LISTO" and waits to be killed.
@@ -19,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QLockFile>
+#include <QSaveFile>
 #include <QTextStream>
 #include <QThread>
 #include <QTimer>
@@ -80,9 +82,13 @@ int alternar(int filas)
     Rejilla a, b;
     llenar(a, filas, "Versión A");
     llenar(b, filas, "Versión B con otro tamaño");
+    // The references are written once, whole: a kill while writing them must not leave a
+    // reference that a good contacts file would fail to match.
     for (const auto &[g, nombre] : {std::pair{&a, "A.ref"}, std::pair{&b, "B.ref"}}) {
-        QFile f(carpeta + QString::fromLatin1(nombre));
-        if (!f.open(QIODevice::WriteOnly) || f.write(TextoContactos(*g)) < 0)
+        QSaveFile f(carpeta + QString::fromLatin1(nombre));
+        if (QFile::exists(f.fileName()))
+            continue;
+        if (!f.open(QIODevice::WriteOnly) || f.write(TextoContactos(*g)) < 0 || !f.commit())
             return 3;
     }
     QTextStream(stdout) << "LISTO" << Qt::endl;
