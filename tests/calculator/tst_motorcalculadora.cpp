@@ -49,15 +49,11 @@ private Q_SLOTS:
         const auto c = [](const char *caso) -> QTestData & { return QTest::newRow(caso) << u"C"_qs << 0; };
         const auto es = [](const char *caso) -> QTestData & { return QTest::newRow(caso) << u"es_ES"_qs << 0; };
 
-        c("inicial") << u""_qs << u"0.00  "_qs << u""_qs << u"||||"_qs;
         c("segundo punto ignorado") << u"1..5"_qs << u"1.50  "_qs << u""_qs << u"1.5||||"_qs;
         c("cero sobre cero ignorado") << u"00"_qs << u"0.00  "_qs << u""_qs << u"0||||"_qs;
-        c("signo sobre vacío") << u"S"_qs << u"0.00  "_qs << u""_qs << u"-||||"_qs;
         c("doble signo") << u"SS"_qs << u"0.00  "_qs << u""_qs << u"||||"_qs;
-        c("signo a mitad") << u"12S"_qs << u"-12.00  "_qs << u""_qs << u"-12||||"_qs;
         c("borrar vacío") << u"<"_qs << u"0.00  "_qs << u""_qs << u"||||"_qs;
         c("borrar una cifra") << u"12<"_qs << u"1.00  "_qs << u""_qs << u"1||||"_qs;
-        c("borrar la última") << u"1<"_qs << u"0.00  "_qs << u""_qs << u"||||"_qs;
         c("por ciento sin pendiente") << u"5%"_qs << u"5.00  "_qs << u""_qs << u"5||||"_qs;
         c("por ciento sin entrada") << u"5+%"_qs << u"5.00 +"_qs << u"5.00 +"_qs
                                                 << u"|5 +|||5"_qs;
@@ -66,8 +62,6 @@ private Q_SLOTS:
                                             << u"|| =|5 =|5"_qs;
         c("igual repetido") << u"5+3=="_qs << u"8.00 ="_qs << u"5.00 +|3.00 =|8.00 ="_qs
                                         << u"||3 =|8 =|8"_qs;
-        c("cadena") << u"5+3+"_qs << u"8.00 +"_qs << u"5.00 +|3.00 +"_qs
-                                << u"|8 +|3 +|8 +|3"_qs;
         c("mismo operador repite") << u"5+3++"_qs << u"11.00 +"_qs
                                                << u"5.00 +|3.00 +|3.00 +"_qs << u"|11 +|3 +|11 +|3"_qs;
         c("operador tras resultado") << u"5+3=*"_qs << u"8.00 *"_qs
@@ -75,9 +69,6 @@ private Q_SLOTS:
                                                  << u"|8 *|3 =|8 *|8"_qs;
         c("signo no toca el resultado") << u"5+3=S"_qs << u"0.00  "_qs
                                                     << u"5.00 +|3.00 =|8.00 ="_qs << u"-||3 =|8 =|8"_qs;
-        c("agrupa miles") << u"1234567*1000="_qs << u"1,234,567,000.00 ="_qs
-                                      << u"1,234,567.00 *|1,000.00 =|1,234,567,000.00 ="_qs
-                                      << u"||1000 =|1234567000 =|1234567000"_qs;
         c("división por cero a 3 decimales") << u"d8/0="_qs << u"0.000 ="_qs
                                                          << u"8.000 /|0.000 =|0.000 ="_qs
                                                          << u"||0 =|0.00 =|0.00"_qs;
@@ -89,8 +80,6 @@ private Q_SLOTS:
                                         << u"200.00 *|10.00 %|20.00 ="_qs << u"||10 %|20 =|20"_qs;
         c("entre por ciento") << u"200/10%"_qs << u"20.00 %"_qs
                                           << u"200.00 /|10.00 %|20.00 %"_qs << u"||10 %|20 %|20"_qs;
-        c("impuesto contenido") << u"121I21="_qs << u"21.00 ="_qs
-                                            << u"121.00 I|21.00 =|21.00 ="_qs << u"||21 =|21 =|21"_qs;
         c("neto contenido") << u"121N21="_qs << u"100.00 ="_qs
                                         << u"121.00 N|21.00 =|100.00 ="_qs << u"||21 =|100 =|100"_qs;
         c("euros a pesetas") << u"1P"_qs << u"166.39 P"_qs << u"1.00 P|166.39 P"_qs
@@ -108,8 +97,6 @@ private Q_SLOTS:
                                                         << u"|8 +|||8"_qs;
         c("pendiente desconocido sigue") << u"=5+3="_qs << u"3.00 ="_qs
                                                      << u"5.00 +|3.00 =|3.00 ="_qs << u"||3 =|3 =|3"_qs;
-        c("dos iguales sin nada") << u"=="_qs << u"0.00 ="_qs << u"0.00 ="_qs
-                                              << u"|| =| =|"_qs;
         c("decimales rehacen la pantalla, no el papel") << u"5+d"_qs << u"5.000 +"_qs
                                                                     << u"5.00 +"_qs << u"|5 +|||5"_qs;
     
@@ -121,8 +108,6 @@ private Q_SLOTS:
         const QString e300 = u"1"_qs + QString(300, u'0');
         QTest::newRow("impuesto al -100") << u"C"_qs << 11 << u"5IS100="_qs << u"-100.00 ="_qs
                                           << u"5.00 I|-100.00 ="_qs << u"|5 I|-100 =||-100"_qs;
-        QTest::newRow("neto al -100") << u"C"_qs << 11 << u"5NS100="_qs << u"-100.00 ="_qs
-                                      << u"5.00 N|-100.00 ="_qs << u"|5 N|-100 =||-100"_qs;
         QTest::newRow("cero impuesto al -100") << u"C"_qs << 6 << u"0IS100="_qs << u"-100.00 ="_qs
                                                << u"0.00 I|-100.00 ="_qs << u"|0 I|-100 =||-100"_qs;
         QTest::newRow("producto desbordado") << u"C"_qs << 6 << e300 + u"*"_qs + e300 + u"="_qs << QString()
@@ -164,7 +149,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("sin");
         QTest::addColumn<double>("numero");
         QTest::newRow("operando") << u"5 +"_qs << u"5"_qs << 5.0;
-        QTest::newRow("sólo operador") << u" ="_qs << u""_qs << 0.0;
         QTest::newRow("sin blanco") << u"5+"_qs << u"5+"_qs << 5.0;
         QTest::newRow("vacío") << u""_qs << u""_qs << 0.0;
         QTest::newRow("exponente de un resultado") << u"1E+20 ="_qs << u"1E+20"_qs << 1e20;
@@ -189,9 +173,7 @@ private Q_SLOTS:
         QTest::newRow("s minúscula") << int('s') << 16;
         QTest::newRow("e minúscula") << int('e') << 22;
         QTest::newRow("p minúscula") << int('p') << 23;
-        QTest::newRow("siete") << int('7') << 0;
         QTest::newRow("coma no es tecla") << int(',') << -1;
-        QTest::newRow("escape no es tecla") << 27 << -1;
         QTest::newRow("nulo") << 0 << -1;
     }
     void teclado()
@@ -210,7 +192,6 @@ private Q_SLOTS:
         QTest::newRow("más solo") << u"+"_qs << true << 1.0;
         QTest::newRow("más cero") << u"+0"_qs << true << 1.0;
         QTest::newRow("más con blanco") << u"+ 2"_qs << true << 2.0;
-        QTest::newRow("blanco delante") << u" +2"_qs << false << 0.0;
         QTest::newRow("negativo vale uno") << u"+-2"_qs << true << 1.0;
     }
     void lineaComandos()

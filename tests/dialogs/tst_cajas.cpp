@@ -27,14 +27,14 @@ private Q_SLOTS:
             auto fila = [&](const char *caso) -> QTestData & { return QTest::addRow("%s %s", loc, caso) << QString::fromLatin1(loc); };
             const char *f = "T(F) L(10) A(I) (/)";
             fila("fecha mostrada") << f << (es ? "01 feb 2009" : "01 Feb 2009") << (es ? "31 ene 2009" : "31 Jan 2009") << false;
-            fila("fecha igual") << f << "01/02/2009" << (es ? "01 feb 2009" : "01 Feb 2009") << true;
             const char *n = "T(N) L(10) A(D) (/)";
+            if (es)
+                fila("fecha igual") << f << "01/02/2009" << "01 feb 2009" << true;
             fila("N por valor") << n << (es ? "9,00" : "9.00") << (es ? "10,00" : "10.00") << true;
             fila("N agrupado") << n << (es ? "1.000,00" : "1,000.00") << (es ? "999,50" : "999.50") << false;
         }
         const auto es = [](const char *caso) -> QTestData & { return QTest::newRow(caso) << u"es_ES"_qs; };
         const char *f = "T(F) L(10) A(I) (/)";
-        es("fecha no por texto") << f << "9/1/2009" << "10/1/2009" << true;
         es("desde en blanco") << f << "   " << "01/01/2000" << true;
         es("hasta vacío") << f << "31/12/2009" << "" << true;
         es("n negativo") << "T(n) L(10) A(D) (/)" << "-5" << "-6" << false;
@@ -43,7 +43,6 @@ private Q_SLOTS:
         es("D al revés por valor, no por texto") << "T(D) L(4) A(D) (/)" << "  12" << "   3" << false;
         es("texto A a") << "T(M) L(5) A(I) (/)" << "A" << "a" << true;
         es("texto por códigos") << "T(m) L(5) A(I) (/)" << "Z" << "Á" << true;
-        es("texto 9 10") << "T(m) L(5) A(I) (/)" << "9" << "10" << false;
     }
     void rangoEnOrden()
     {

@@ -112,7 +112,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("columna");
         QTest::addColumn<QString>("guion");
         QTest::addColumn<QString>("esperado");
-        QTest::newRow("clic y Aceptar") << "Teléfono" << "fila:2 Aceptar" << "933 000 002";
         QTest::newRow("columna por número") << "#3" << "fila:3 Aceptar" << "Sevilla";
         QTest::newRow("sin columna: la columna 0") << "" << "fila:2 Aceptar" << "A2";
         QTest::newRow("Aceptar sin fila") << "Ciudad" << "Aceptar" << "";

@@ -17,9 +17,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("delimitadores");
         QTest::addColumn<bool>("hay");
         QTest::addColumn<QString>("valor");
-        QTest::newRow("tipo") << u"T(M) L(15) A(I)"_qs << u"T"_qs << QString() << true << u"M"_qs;
         QTest::newRow("otro orden") << u"T(m) A(I) L(30)"_qs << u"L"_qs << QString() << true << u"30"_qs;
-        QTest::newRow("sin blancos") << u"T(N)L(8)D(3)"_qs << u"D"_qs << QString() << true << u"3"_qs;
         QTest::newRow("valor vacío") << u"T(N) D()"_qs << u"D"_qs << QString() << true << QString();
         QTest::newRow("ausente no obligatoria") << u"T(N)"_qs << u"D"_qs << QString() << false << QString();
         QTest::newRow("mayúsculas cuentan") << u"t(M) T(X)"_qs << u"T"_qs << QString() << true << u"X"_qs;
@@ -87,7 +85,6 @@ private Q_SLOTS:
                                    << u"T(M) P(-2147483643) L(15)"_qs;
         QTest::newRow("tag vacío empieza con blanco") << QString() << u"P"_qs << u"5"_qs << u" P(5)"_qs;
         QTest::newRow("sólo la primera") << u"P(1) P(2)"_qs << u"P"_qs << u"9"_qs << u"P(9) P(2)"_qs;
-        QTest::newRow("valor vacío") << u"T(M) +(ES)"_qs << u"+"_qs << QString() << u"T(M) +()"_qs;
     }
     void poner()
     {

@@ -36,7 +36,6 @@ private Q_SLOTS:
         QTest::newRow("n D(3)") << es << u"T(n) L(9) A(D) D(3)"_qs << u"0.5"_qs << u"0,500"_qs;
         QTest::newRow("n D vacío es 2") << c << u"T(n) L(9) A(D) D()"_qs << u"7"_qs << u"7.00"_qs;
         QTest::newRow("D ceros") << c << u"T(D) L(6) A(C)"_qs << u"45"_qs << u"000045"_qs;
-        QTest::newRow("D derecha") << c << u"T(D) L(6) A(D)"_qs << u"45"_qs << u"    45"_qs;
         QTest::newRow("D izquierda") << c << u"T(D) L(6) A(I)"_qs << u"45"_qs << u"45    "_qs;
         QTest::newRow("D otro ajuste") << c << u"T(D) L(6) A(X)"_qs << u"45"_qs << QString();
         QTest::newRow("D derecha quita blancos") << c << u"T(D) L(6) A(D)"_qs << u"  45"_qs << u"    45"_qs;
@@ -50,7 +49,6 @@ private Q_SLOTS:
         QTest::newRow("X letra") << es << u"T(X) L(9) A(I)"_qs << u"12345678?"_qs << u"12345678Z"_qs;
         QTest::newRow("H relleno") << es << u"T(H) L(5) A(I)"_qs << u"9:5"_qs << u"09:05"_qs;
         QTest::newRow("H vacío") << es << u"T(H) L(5) A(I)"_qs << QString() << u"00:00"_qs;
-        QTest::newRow("H sin dos puntos") << es << u"T(H) L(5) A(I)"_qs << u"930"_qs << u"30:00"_qs;
         QTest::newRow("C cuenta") << es << u"T(C) L(8) A(I)"_qs << u"43.15"_qs << u"43000015"_qs;
         QTest::newRow("texto libre") << es << u"T(m) L(30) A(I)"_qs << u" Hola, ñandú "_qs << u" Hola, ñandú "_qs;
     }
@@ -122,7 +120,6 @@ private Q_SLOTS:
         QTest::newRow("día y mes cuatro cifras") << u"1205"_qs << u"12/05/2026"_qs;
         QTest::newRow("día y mes tres cifras") << u"125"_qs << u"12/5/2026"_qs;
         QTest::newRow("seis cifras") << u"120509"_qs << u"12/05/09"_qs;
-        QTest::newRow("ocho cifras") << u"12052009"_qs << u"12/05/2009"_qs;
         QTest::newRow("día y barra") << u"12/"_qs << u"12/11/2026"_qs;
         QTest::newRow("día y mes") << u"12/05"_qs << u"12/05/2026"_qs;
         QTest::newRow("barra final") << u"12/05/"_qs << u"12/05/2026"_qs;
@@ -156,7 +153,6 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("valor");
         QTest::addColumn<QString>("esperado");
-        QTest::newRow("ejemplo") << u"12345678?"_qs << u"12345678Z"_qs;
         QTest::newRow("resto 0") << u"23?"_qs << u"23T"_qs;
         QTest::newRow("sólo interrogación") << u"?"_qs << QString();
         QTest::newRow("cero") << u"0?"_qs << u"0"_qs;
@@ -179,12 +175,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("valor");
         QTest::addColumn<QString>("esperado");
         QTest::newRow("punto grupo de dos") << u"43.15"_qs << u"43000015"_qs;
-        QTest::newRow("punto grupo de tres") << u"572.1"_qs << u"57200001"_qs;
-        QTest::newRow("sin punto grupo de dos") << u"4315"_qs << u"43000015"_qs;
         QTest::newRow("sin punto grupo de tres") << u"57215"_qs << u"57200015"_qs;
         QTest::newRow("acreedores") << u"41.5"_qs << u"41000005"_qs;
         QTest::newRow("proveedores") << u"40123"_qs << u"40000123"_qs;
-        QTest::newRow("tres cifras del grupo corto") << u"430"_qs << u"43000000"_qs;
         QTest::newRow("ocho cifras") << u"12345678"_qs << u"12345678"_qs;
         QTest::newRow("dos cifras") << u"43"_qs << u"43000000"_qs;
         QTest::newRow("una cifra") << u"5"_qs << u"50000000"_qs;

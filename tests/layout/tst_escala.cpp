@@ -22,7 +22,6 @@ private Q_SLOTS:
         // 6000 twips high on 9000: target 7500, 1.25 applies to both directions.
         QTest::newRow("alto manda") << QSizeF(400, 400) << area << mitad << 15.f << 1.25f;
         QTest::newRow("mayor que el área encoge") << QSizeF(1000, 600) << area << mitad << 15.f << 0.9f;
-        QTest::newRow("ancho pedido") << QSizeF(400, 200) << area << QSizeF(800, 0) << 15.f << 2.0f;
         QTest::newRow("alto pedido") << QSizeF(400, 200) << area << QSizeF(0, 100) << 15.f << 0.5f;
         // At 120 dpi a pixel is 12 twips: 4800 twips aiming at 8400.
         QTest::newRow("120 dpi") << QSizeF(400, 200) << QSizeF(12000, 12000) << mitad << 12.f << 1.75f;

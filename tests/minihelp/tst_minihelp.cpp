@@ -68,7 +68,6 @@ void TestMiniHelp::textoVersion_data()
     QTest::newRow("tres partes") << u"VENTAS"_qs << u"2.1.34"_qs << u"Programa VENTAS  -  Versión 2.1.34"_qs;
     QTest::newRow("sin version") << u"Nóminas"_qs << QString() << u"Programa Nóminas  -  Versión 0.0.0"_qs;
     QTest::newRow("cuatro partes") << u"VENTAS"_qs << u"2.1.34.7"_qs << u"Programa VENTAS  -  Versión 2.1.34"_qs;
-    QTest::newRow("con sufijo") << u"VENTAS"_qs << u"3.10.0-beta"_qs << u"Programa VENTAS  -  Versión 3.10.0"_qs;
 }
 
 void TestMiniHelp::textoVersion()
@@ -116,8 +115,6 @@ void TestMiniHelp::documentoDeFichero_data()
     QTest::addColumn<QString>("fragmento");
     QTest::addColumn<QString>("aspecto");
     QTest::newRow("titulo") << u"Ayuda de Facturación"_qs << u"b 18 DejaVu Serif centro"_qs;
-    QTest::newRow("rojo") << u"Atención:"_qs << u"#c00000 12 DejaVu Serif izq"_qs;
-    QTest::newRow("otra fuente") << u"MONTAÑA"_qs << u"12 Liberation Mono der"_qs;
     QTest::newRow("fuente por omision") << u"y pulse Intro."_qs << u"12 DejaVu Serif der"_qs;
 }
 
