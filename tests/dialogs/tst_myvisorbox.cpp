@@ -173,34 +173,6 @@ private Q_SLOTS:
         QVERIFY(!vista);
     }
 
-    void columnaErronea_data()
-    {
-        QTest::addColumn<QString>("columna");
-        QTest::addColumn<QString>("aviso");
-        QTest::addColumn<QString>("tituloAviso");
-        QTest::addColumn<QString>("esperado");
-        // An unknown title is reported before the box opens and column 0 is used.
-        QTest::newRow("título desconocido") << "Precio"
-            << "No encontrado ninguna columna con el título [Precio]" << "Búsqueda en [VisorMini]"
-            << "A2";
-        // A number beyond the grid fails when a row is chosen; the box stays usable.
-        QTest::newRow("número fuera de la rejilla") << "#9" << "Error 30010: Valor de columna no válido"
-            << "Aplicación de prueba" << "";
-    }
-    void columnaErronea()
-    {
-        QFETCH(QString, columna); QFETCH(QString, aviso); QFETCH(QString, tituloAviso);
-        QFETCH(QString, esperado);
-        ServiciosGrabados registro;
-        alAbrirse([&](QWidget *caja) { representar(caja, QStringLiteral("fila:2 Aceptar")); });
-        const QString r = MyVisorBox(QStringLiteral("x"), kTitulos, contactos(), 1, columna);
-        QCOMPARE(registro.mensajes.size(), 1);
-        QCOMPARE(registro.mensajes.at(0).texto, aviso);
-        QCOMPARE(registro.mensajes.at(0).titulo, tituloAviso);
-        QCOMPARE(registro.mensajes.at(0).botones & Critico, int(Critico));
-        QCOMPARE(r, esperado);
-    }
-
     void colores_data()
     {
         QTest::addColumn<bool>("aceptar");

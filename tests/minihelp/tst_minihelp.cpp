@@ -1,5 +1,10 @@
 // The mini help window: the title strip and help files shown in it; and the QTextDocument built
 // from word-processor RTF files.
+//
+// The files in tests/data/rtf were made once from the sources beside them with LibreOffice 7.4:
+//   soffice --headless --convert-to rtf ayuda_formatos.fodt
+//   soffice --headless --infilter="HTML (StarWriter)" --convert-to rtf ayuda_simbolos.html
+// The tests read only the .rtf files; LibreOffice is not needed to run them.
 #include <kvr/error.h>
 #include <kvr/minihelp.h>
 #include <kvr/rtfdocumento.h>

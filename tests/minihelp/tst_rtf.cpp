@@ -1,25 +1,12 @@
-// The RTF reader on hand-written corner cases and on files written by a real word processor.
-//
-// The files in tests/data/rtf were made once from the sources beside them with LibreOffice 7.4:
-//   soffice --headless --convert-to rtf ayuda_formatos.fodt
-//   soffice --headless --infilter="HTML (StarWriter)" --convert-to rtf ayuda_simbolos.html
-// The tests read only the .rtf files; LibreOffice is not needed to run them.
+// The RTF reader on hand-written corner cases. Files written by a real word processor are read
+// through the help window (tst_minihelp).
 #include <kvr/rtf.h>
 
-#include <QFile>
 #include <QTest>
 
 using namespace kvr;
 
 namespace {
-
-QByteArray Datos(const char *nombre)
-{
-    QFile f(QStringLiteral(KVR_DATOS_RTF "/") + QLatin1String(nombre));
-    if (!f.open(QIODevice::ReadOnly))
-        qFatal("missing test file %s", nombre);
-    return f.readAll();
-}
 
 // The runs of a document as one compact line: paragraphs split by "/", runs by "|", each run's
 // formatting in brackets when it differs from the default ("b" bold, "i" italic, "u" underline,
@@ -60,7 +47,6 @@ private Q_SLOTS:
     void anidamientoProfundo();
     void tablas();
     void parrafos();
-    void ficheroSimbolos();
 };
 
 void TestRtf::texto_data()
@@ -198,23 +184,6 @@ void TestRtf::parrafos()
     QCOMPARE(doc.parrafos[1].alineacion, AlineacionRtf::Centro);  // kept until \pard
     QCOMPARE(doc.parrafos[2].alineacion, AlineacionRtf::Izquierda);
     QVERIFY(doc.parrafos[2].tabuladores.isEmpty());
-}
-
-void TestRtf::ficheroSimbolos()
-{
-    const DocumentoRtf doc = LeerRtf(Datos("ayuda_simbolos.rtf"));
-    QVERIFY(doc.completo);
-    const QStringList esperado{
-        u"¿Cómo se añade un cliente? ¡Muy fácil!"_qs,
-        u"Negrita y cursiva juntas, y negrita subrayada."_qs,
-        u"Moneda: 25 € — el guion largo y las «comillas»."_qs,
-        u"Текст на русском и ελληνικά: letras fuera de la página 1252."_qs,
-        u"Letra pequeña y letra grande."_qs,
-    };
-    QCOMPARE(doc.Texto().split(u'\n'), esperado);
-    QCOMPARE(Tramos(doc).section(u'/', 1, 1),
-             u"Negrita y cursiva[bi]| juntas, y |negrita [b]|subrayada[bu]|."_qs);
-    QCOMPARE(Tramos(doc).section(u'/', 4, 4), u"Letra pequeña[fs16]| y |letra grande[fs48]|."_qs);
 }
 
 QTEST_GUILESS_MAIN(TestRtf)
