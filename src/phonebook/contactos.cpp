@@ -240,6 +240,15 @@ ResultadoGrabacion GrabarFicheroContactos(const QString &ruta, Rejilla &grid, Se
     if (actual.existe && actual != sello)
         return ResultadoGrabacion::Modificado;
 
+    // A save killed half way may have left its temporary file (the name QSaveFile gives it:
+    // the file's name, a dot and six characters). Only the holder of the lock writes, so one
+    // that is a minute old belongs to nobody.
+    const QFileInfoList restos = QDir(carpeta).entryInfoList({info.fileName() + QStringLiteral(".??????")}, QDir::Files);
+    for (const QFileInfo &resto : restos)
+        if (resto.fileName() != info.fileName() + QStringLiteral(".lock")
+            && resto.lastModified().secsTo(QDateTime::currentDateTime()) > 60)
+            QFile::remove(resto.filePath());
+
     OrdenarContactos(grid);
     escribirAtomico(ruta, TextoContactos(grid));
     sello = SelloDe(ruta);

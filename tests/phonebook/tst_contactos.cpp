@@ -103,8 +103,17 @@ private Q_SLOTS:
             for (int i = 0; i < c.size(); ++i)
                 PonerCelda(g, f + 1, i + 1, c[i]);
         }
+        // What a save killed an hour ago left behind goes; a file of another name stays.
+        for (const QString &resto : {u"nuevo.DAT.Ab12cD"_qs, u"nuevo.DAT.copia"_qs}) {
+            escribir(ruta(resto), "x");
+            QFile f(ruta(resto));
+            f.open(QIODevice::ReadWrite);
+            f.setFileTime(QDateTime::currentDateTime().addSecs(-3600), QFileDevice::FileModificationTime);
+        }
         SelloFichero s;
         QCOMPARE(GrabarFicheroContactos(ruta(u"nuevo.DAT"_qs), g, s), ResultadoGrabacion::Grabado);
+        QVERIFY(!QFile::exists(ruta(u"nuevo.DAT.Ab12cD"_qs)));
+        QVERIFY(QFile::exists(ruta(u"nuevo.DAT.copia"_qs)));
         const QByteArray utf8 = QStringLiteral("\tNombre\tTeléfono\tFax\teMail\r\tÁLVARO\t4\t\t\r\tana\t3\t\t\r"
                                                "\tbea\tun tab\t\t\r\tÍñigo Núñez\t2\t\tíñigo@x.es\r\tzoe\t1\t\t\r\n").toUtf8();
         QCOMPARE(leer(ruta(u"nuevo.DAT"_qs)), iconvACp850(utf8));
