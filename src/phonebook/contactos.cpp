@@ -113,8 +113,22 @@ void ContactosDeTexto(QByteArrayView datos, Rejilla &grid)
 
     // One row for each line end, at most: room is made once.
     qsizetype lineas = 0;
-    for (const char *q = p; q < fin; ++q)
-        lineas += *q == '\r' || *q == '\n';
+    for (const char fin_de_linea : {'\r', '\n'})
+        for (const char *q = p; (q = static_cast<const char *>(std::memchr(q, fin_de_linea, std::size_t(fin - q)))); ++q)
+            ++lineas;
+    // Where the next CR and the next LF are, each looked for again only once passed, so that a
+    // file without one of them is not scanned to its end at every line.
+    const char *siguienteCR = p, *siguienteLF = p;
+    const auto finDeLinea = [&](const char *desde) {
+        if (siguienteCR && siguienteCR < desde)
+            siguienteCR = static_cast<const char *>(std::memchr(desde, '\r', std::size_t(fin - desde)));
+        if (siguienteLF && siguienteLF < desde)
+            siguienteLF = static_cast<const char *>(std::memchr(desde, '\n', std::size_t(fin - desde)));
+        const char *r = siguienteCR ? siguienteCR : fin;
+        if (siguienteLF && siguienteLF < r)
+            r = siguienteLF;
+        return r;
+    };
     const bool redraw = grid.Redraw();
     grid.PonerRedraw(false);
     grid.Reservar(int(std::min<qsizetype>(lineas, 1 << 30)));
@@ -130,8 +144,7 @@ void ContactosDeTexto(QByteArrayView datos, Rejilla &grid)
         else
             ++p;
         const char *inicio = p;
-        while (p < fin && *p != '\r' && *p != '\n')
-            ++p;
+        p = finDeLinea(p);
         if (p == inicio)
             continue; // an empty line holds no contact
         const std::size_t largo = std::size_t(p - inicio);
