@@ -114,12 +114,14 @@ void ContactosDeTexto(QByteArrayView datos, Rejilla &grid)
     // One row for each line end, at most: room is made once.
     qsizetype lineas = 0;
     for (const char fin_de_linea : {'\r', '\n'})
-        for (const char *q = p; (q = static_cast<const char *>(std::memchr(q, fin_de_linea, std::size_t(fin - q)))); ++q)
+        for (const char *q = p; q < fin && (q = static_cast<const char *>(std::memchr(q, fin_de_linea, std::size_t(fin - q)))); ++q)
             ++lineas;
     // Where the next CR and the next LF are, each looked for again only once passed, so that a
     // file without one of them is not scanned to its end at every line.
     const char *siguienteCR = p, *siguienteLF = p;
     const auto finDeLinea = [&](const char *desde) {
+        if (desde >= fin)
+            return fin;
         if (siguienteCR && siguienteCR < desde)
             siguienteCR = static_cast<const char *>(std::memchr(desde, '\r', std::size_t(fin - desde)));
         if (siguienteLF && siguienteLF < desde)
