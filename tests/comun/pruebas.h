@@ -3,7 +3,10 @@
 // box answered from a queued callback.
 #include "comun/ficheros.h"
 
+#include <kvr/visorrejilla.h>
+
 #include <QApplication>
+#include <QLabel>
 #include <QPointer>
 #include <QPushButton>
 #include <QTimer>
@@ -75,6 +78,58 @@ inline void alAbrirse(std::function<void(QWidget *)> accion)
         });
         accion(caja);
     });
+}
+
+// Shows a window and waits until it is the active one (offscreen and under Xvfb alike).
+inline bool mostrarActiva(QWidget *w)
+{
+    w->show();
+    w->activateWindow();
+    return QTest::qWaitForWindowActive(w);
+}
+
+// Answers the next message box by clicking its visible button of that caption (empty: Escape),
+// leaving the box's text in `*mensaje` when given.
+inline void responder(const QString &boton, QString *mensaje = nullptr)
+{
+    alAbrirse([boton, mensaje](QWidget *caja) {
+        if (mensaje)
+            if (auto *m = caja->findChild<QLabel *>(QStringLiteral("Mensaje")))
+                *mensaje = m->text();
+        if (boton.isEmpty()) {
+            QTest::keyClick(caja, Qt::Key_Escape);
+            return;
+        }
+        for (QPushButton *b : caja->findChildren<QPushButton *>())
+            if (b->isVisible() && b->text() == boton) {
+                QTest::mouseClick(b, Qt::LeftButton);
+                return;
+            }
+    });
+}
+
+// Clicks the cell of a grid at a row of its model as shown (after sorting and hidden rows) and
+// column, scrolling it into view first.
+inline void clicCelda(kvr::VisorRejilla *v, int filaVista, int col, Qt::MouseButton boton = Qt::LeftButton)
+{
+    const QModelIndex i = v->model()->index(filaVista, col);
+    v->scrollTo(i);
+    QTest::mouseClick(v->viewport(), boton, {}, v->visualRect(i).center());
+    QCoreApplication::processEvents();
+}
+
+// Runs every test of a suite once under a comma-decimal locale and once under a point-decimal
+// one: call from initTestCase_data(), and ponerLocaleGlobal() from init().
+inline void localesData()
+{
+    QTest::addColumn<QString>("locale");
+    QTest::newRow("es_ES") << QStringLiteral("es_ES");
+    QTest::newRow("C") << QStringLiteral("C");
+}
+inline void ponerLocaleGlobal()
+{
+    QFETCH_GLOBAL(QString, locale);
+    QLocale::setDefault(QLocale(locale));
 }
 
 } // namespace prueba
