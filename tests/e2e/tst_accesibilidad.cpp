@@ -1,7 +1,8 @@
 // Every window of the runtime as a screen reader sees it: each one opened offscreen, its
 // accessibility tree walked from the window down, and every visible control that can take the
-// focus must have a name to be read out. Panels that a window shows later are opened by their
-// own rows; Tab must then reach every control. The items of lists and grids are read by their own text and are not walked.
+// focus must have a name to be read out and be reached by Tab. Panels that a window shows later
+// are opened by their own rows. The items of lists and grids are read by their own text and are
+// not walked.
 #include <kvr/kvr.h>
 
 #include <QAbstractItemView>
