@@ -1,24 +1,25 @@
 // The proportional layout on real widgets, offscreen, on a work area of 800 x 600 pixels at 96
-// dpi (12000 x 9000 twips, 15 twips a pixel).
+// dpi (12000 x 9000 twips, 15 twips a pixel); then the shared routines on real widgets: windows
+// shown by name, the focus given back and the mouse-wheel redirection.
 #include <kvr/campos.h>
 #include <kvr/escala.h>
 #include <kvr/layout.h>
+#include <kvr/utilidades.h>
 
-#include <QFrame>
-#include <QHeaderView>
-#include <QLabel>
-#include <QPushButton>
+#include "comun/pruebas.h"
+
 #include <QComboBox>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSpinBox>
 #include <QTableWidget>
-#include <QTest>
 
 #include <memory>
 
 using namespace kvr;
+using prueba::control;
 
 // A grid that scales its own columns, as the runtime's grid widget does.
 class GridPropio : public QWidget {
@@ -31,53 +32,90 @@ public:
 
 namespace {
 
-QFont fuente(const QString &familia, qreal puntos, bool negrita = false)
-{
-    QFont f(familia);
-    f.setPointSizeF(puntos);
-    f.setBold(negrita);
-    return f;
-}
-
-template<class W>
-W *control(QWidget *padre, const char *nombre, QRect g)
+template<class W = QLabel>
+W *nuevo(QWidget *padre, const char *nombre, QRect g, const char *familia = nullptr, int puntos = 0)
 {
     auto *w = new W(padre);
     w->setObjectName(QString::fromLatin1(nombre));
     w->setGeometry(g);
+    if (familia)
+        w->setFont(QFont(QString::fromLatin1(familia), puntos));
     return w;
 }
 
-// A window as its design gives it: 400 pixels (6000 twips) wide.
-std::unique_ptr<QWidget> formulario(int alto)
+// A window as its design gives it: 400 x 200 pixels (6000 x 3000 twips) at (50, 60).
+std::unique_ptr<QWidget> formulario()
 {
     auto form = std::make_unique<QWidget>();
-    form->setObjectName(QStringLiteral("frmPrueba"));
-    form->setFont(fuente(QStringLiteral("DejaVu Sans"), 8));
-    form->resize(400, alto);
-    form->move(50, 60);
-    control<QLabel>(form.get(), "etiNombre", {10, 10, 100, 20})->setFont(fuente(QStringLiteral("DejaVu Sans"), 8, true));
-    auto *fija = control<QLabel>(form.get(), "etiFija", {10, 40, 100, 20});
-    fija->setFont(fuente(QStringLiteral("DejaVu Serif"), 10));
-    PonerTagDe(fija, QStringLiteral("L(10) (FF)"));
-    control<QPushButton>(form.get(), "cmdAparcado", {-4000, 10, 50, 20});   // -60000 twips
-    control<QPushButton>(form.get(), "cmdCerca", {-2666, 10, 50, 20});      // about -40000 twips
-    auto *marco = control<QFrame>(form.get(), "Marco", {200, 10, 150, 80});
-    control<QLabel>(marco, "etiDentro", {10, 10, 80, 20});                  // inherits its font
-    auto *grid = control<QTableWidget>(form.get(), "Grid", {10, 100, 180, 60});
+    form->setFont(QFont(QStringLiteral("DejaVu Serif"), 8));
+    form->setGeometry(50, 60, 400, 200);
+    nuevo(form.get(), "etiNombre", {10, 10, 100, 20}, "DejaVu Serif", 8)->setFont([] {
+        QFont f(QStringLiteral("DejaVu Serif"), 8);
+        f.setBold(true);
+        return f;
+    }());
+    PonerTagDe(nuevo(form.get(), "etiFija", {10, 40, 100, 20}, "DejaVu Sans Mono", 10), u"L(10) (FF)"_qs);
+    PonerTagDe(nuevo(form.get(), "etiHeredada", {10, 70, 100, 20}), u"(FF)"_qs); // inherits its family
+    nuevo<QPushButton>(form.get(), "cmdAparcado", {-4000, 10, 50, 20});   // -60000 twips
+    nuevo<QPushButton>(form.get(), "cmdCerca", {-2666, 10, 50, 20});      // about -40000 twips
+    nuevo(nuevo<QFrame>(form.get(), "Marco", {200, 10, 150, 80}), "etiDentro", {10, 10, 80, 20});
+    auto *grid = nuevo<QTableWidget>(form.get(), "Grid", {10, 100, 180, 60});
     grid->setColumnCount(2);
     grid->horizontalHeader()->setStretchLastSection(false);
     grid->setColumnWidth(0, 100);
     grid->setColumnWidth(1, 50);
-    control<GridPropio>(form.get(), "GridPropio", {200, 100, 100, 60});
+    nuevo<GridPropio>(form.get(), "GridPropio", {200, 100, 100, 60});
     return form;
 }
 
-template<class W = QWidget>
-W *hijo(QWidget *form, const char *nombre)
+// "x,y wxh size" of the window and of the controls named, "|" between; then the grid's column
+// widths and how often the grid that scales itself was asked to.
+QString medidas(QWidget *form, std::initializer_list<const char *> nombres)
 {
-    return form->findChild<W *>(QString::fromLatin1(nombre));
+    const auto de = [](const QWidget *w) {
+        const QRect g = w->geometry();
+        return QStringLiteral("%1,%2 %3x%4 %5").arg(g.x()).arg(g.y()).arg(g.width()).arg(g.height())
+            .arg(w->font().pointSizeF());
+    };
+    QStringList r{de(form)};
+    for (const char *n : nombres)
+        r << de(control(form, n));
+    auto *grid = control<QTableWidget>(form, "Grid");
+    r << QStringLiteral("columnas %1 %2 propio %3").arg(grid->columnWidth(0)).arg(grid->columnWidth(1))
+             .arg(control<GridPropio>(form, "GridPropio")->llamadas);
+    return r.join(u'|');
 }
+
+void rueda(QWidget *w)
+{
+    const QPointF pos(5, 5);
+    QWheelEvent e(pos, w->mapToGlobal(pos), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
+                  Qt::NoScrollPhase, false);
+    QApplication::sendEvent(w, &e);
+}
+
+// A window with a text field and a long grid below it, the grid holding the focus.
+struct VentanaConGrid {
+    QWidget ventana;
+    QLineEdit *campo = new QLineEdit(&ventana);
+    QTableWidget *grid = new QTableWidget(200, 2, &ventana);
+    VentanaConGrid()
+    {
+        ventana.resize(300, 300);
+        campo->setGeometry(10, 10, 200, 24);
+        grid->setGeometry(10, 40, 280, 200);
+        ventana.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&ventana));
+        grid->setFocus();
+        QApplication::processEvents();
+    }
+    // Where the grid stands after one wheel notch down over `sobre`.
+    int bajar(QWidget *sobre)
+    {
+        rueda(sobre);
+        return grid->verticalScrollBar()->value();
+    }
+};
 
 } // namespace
 
@@ -92,162 +130,142 @@ private Q_SLOTS:
     }
     void cleanupTestCase() { QuitarPantallaSimulada(); }
 
-    void sinFactorNadaCambia_data()
-    {
-        QTest::addColumn<float>("factor");
-        QTest::addColumn<bool>("sinEscalar");
-        QTest::newRow("antes de calcular") << 0.0f << false;
-        QTest::newRow("SinEscalar levantado") << 1.5f << true;
-    }
-    void sinFactorNadaCambia()
-    {
-        QFETCH(float, factor); QFETCH(bool, sinEscalar);
-        FactorX = FactorY = factor;
-        SinEscalar = sinEscalar;
-        auto form = formulario(200);
-        float ancho = 7, alto = 9;
-        Redimensionar(form.get(), ancho, alto, true);
-        QCOMPARE(form->geometry(), QRect(50, 60, 400, 200));
-        QCOMPARE(hijo(form.get(), "etiNombre")->geometry(), QRect(10, 10, 100, 20));
-        QCOMPARE(hijo(form.get(), "etiNombre")->font().pointSizeF(), 8.0);
-        QCOMPARE(hijo<QTableWidget>(form.get(), "Grid")->columnWidth(0), 100);
-        QCOMPARE(hijo<GridPropio>(form.get(), "GridPropio")->llamadas, 0);
-        QCOMPARE(ancho, 7.0f); // nothing reported either
-        QCOMPARE(alto, 9.0f);
-    }
-
-    // 6000 twips on 12000 aim at 9000: 1.5 for every position, size, font and column.
+    // 6000 twips on 12000 aim at 9000: 1.5 for every position, size, font and column, and the
+    // limits of a fixed-size window. A parked control stays parked, one near the limit scales.
     void escalado()
     {
-        auto form = formulario(200);
-        float a = 0, h = 0;
-        Redimensionar(form.get(), a, h, false);
-        QCOMPARE(FactorX, 1.5f);
+        auto form = formulario();
+        form->setFixedSize(400, 200);
+        Redimensionar(form.get(), false);
         QCOMPARE(FactorY, 1.5f);
-        QCOMPARE(form->geometry(), QRect(0, 0, 600, 300));
-        QCOMPARE(hijo(form.get(), "etiNombre")->geometry(), QRect(15, 15, 150, 30));
-        QCOMPARE(hijo(form.get(), "etiDentro")->geometry(), QRect(15, 15, 120, 30));
-        QCOMPARE(hijo(form.get(), "cmdCerca")->x(), -3999);
-        // Parked out of sight below -50000 twips, it stays there: (-4000 + 5000) * 1.5 - 5000.
-        QCOMPARE(hijo(form.get(), "cmdAparcado")->x(), -3500);
-
-        const QFont negrita = hijo(form.get(), "etiNombre")->font();
-        QCOMPARE(negrita.pointSizeF(), 12.0);
-        QVERIFY(negrita.bold());
-        // Scaled once, although its frame's font was scaled too.
-        QCOMPARE(hijo(form.get(), "etiDentro")->font().pointSizeF(), 12.0);
-        QCOMPARE(hijo(form.get(), "Marco")->font().pointSizeF(), 12.0);
-
-        auto *grid = hijo<QTableWidget>(form.get(), "Grid");
-        QCOMPARE(grid->columnWidth(0), 150);
-        QCOMPARE(grid->columnWidth(1), 75);
-        QCOMPARE(hijo<GridPropio>(form.get(), "GridPropio")->llamadas, 1);
+        QCOMPARE(medidas(form.get(), {"etiNombre", "Marco", "etiDentro", "cmdCerca", "cmdAparcado"}),
+                 u"0,0 600x300 8|15,15 150x30 12|300,15 225x120 12|15,15 120x30 12|-3999,15 75x30 12|"
+                 "-3500,15 75x30 12|columnas 150 75 propio 1"_qs);
+        QCOMPARE(form->minimumSize(), QSize(600, 300));
+        QCOMPARE(form->maximumSize(), QSize(600, 300));
+        QVERIFY(control(form.get(), "etiNombre")->font().bold());
         // Qt's own parts of the grid are left to the grid.
-        QCOMPARE(grid->viewport()->font().pointSizeF(), 12.0);
+        QCOMPARE(control<QTableWidget>(form.get(), "Grid")->viewport()->font().pointSizeF(), 12.0);
     }
 
-    void sinEscalarCalculaYMueve()
+    // With SinEscalar a reused factor changes nothing and reports nothing; a new one is worked out
+    // and the window goes to the corner at its design size (a grid that scales itself is asked).
+    void sinEscalar()
     {
+        FactorX = FactorY = 1.5f;
         SinEscalar = true;
-        auto form = formulario(200);
+        auto form = formulario();
+        float ancho = 7, alto = 9;
+        Redimensionar(form.get(), ancho, alto, true);
+        QCOMPARE(medidas(form.get(), {"etiNombre"}), u"50,60 400x200 8|10,10 100x20 8|columnas 100 50 propio 0"_qs);
+        QCOMPARE(QSizeF(ancho, alto), QSizeF(7, 9));
+        FactorX = FactorY = 0.0f;
         Redimensionar(form.get(), false);
         QCOMPARE(FactorX, 1.5f);
-        QCOMPARE(form->geometry(), QRect(0, 0, 400, 200));
-        QCOMPARE(hijo(form.get(), "etiNombre")->geometry(), QRect(10, 10, 100, 20));
-        QCOMPARE(hijo(form.get(), "etiNombre")->font().pointSizeF(), 8.0);
+        QCOMPARE(medidas(form.get(), {"etiNombre"}), u"0,0 400x200 8|10,10 100x20 8|columnas 100 50 propio 1"_qs);
     }
 
+    // The dialog font's family for every control but the "(FF)" ones, which keep theirs, set or
+    // inherited; their size still scales.
     void ponerFuente()
     {
-        auto form = formulario(200);
+        auto form = formulario();
         PonerFuente(form.get());
         const QString dialogo = FuenteDialogo();
-        QVERIFY(!dialogo.isEmpty());
-        QCOMPARE(hijo(form.get(), "etiNombre")->font().family(), dialogo);
-        QCOMPARE(hijo(form.get(), "etiDentro")->font().family(), dialogo);
-        QCOMPARE(hijo(form.get(), "Grid")->font().family(), dialogo);
-        QCOMPARE(hijo(form.get(), "etiFija")->font().family(), QStringLiteral("DejaVu Serif"));
-        QVERIFY(hijo(form.get(), "etiNombre")->font().bold());
-
+        QVERIFY(dialogo != u"DejaVu Serif");
+        QStringList familias;
+        for (const char *n : {"etiNombre", "etiDentro", "Grid", "etiFija", "etiHeredada"})
+            familias << control(form.get(), n)->font().family().replace(dialogo, u"diálogo"_qs);
+        QCOMPARE(familias.join(u'|'), u"diálogo|diálogo|diálogo|DejaVu Sans Mono|DejaVu Serif"_qs);
+        QVERIFY(control(form.get(), "etiNombre")->font().bold());
         Redimensionar(form.get(), false);
-        const QFont fija = hijo(form.get(), "etiFija")->font();
-        QCOMPARE(fija.family(), QStringLiteral("DejaVu Serif"));
-        QCOMPARE(fija.pointSizeF(), 15.0);
-        QCOMPARE(hijo(form.get(), "etiFija")->geometry(), QRect(15, 60, 150, 30));
+        QCOMPARE(medidas(form.get(), {"etiFija"}).section(u'|', 1, 1), u"15,60 150x30 15"_qs);
     }
 
-    void fijaConservaFamiliaHeredada()
-    {
-        // A "(FF)" control that only inherits its family keeps it when the window's font changes.
-        QWidget form;
-        form.setFont(fuente(QStringLiteral("DejaVu Serif"), 9));
-        auto *eti = control<QLabel>(&form, "etiHeredada", {0, 0, 50, 20});
-        PonerTagDe(eti, QStringLiteral("(FF)"));
-        PonerFuente(&form);
-        QCOMPARE(form.font().family(), FuenteDialogo());
-        QCOMPARE(eti->font().family(), QStringLiteral("DejaVu Serif"));
-    }
-
-    // A window built in code without names: its widgets are controls too, but not the inner
-    // parts of composite widgets.
-    void sinNombre_data()
-    {
-        QTest::addColumn<QString>("parte");
-        QTest::addColumn<bool>("control");
-        QTest::newRow("etiqueta") << QStringLiteral("etiqueta") << true;
-        QTest::newRow("dentro de un marco") << QStringLiteral("dentro") << true;
-        QTest::newRow("contenido de un área") << QStringLiteral("contenido") << true;
-        QTest::newRow("combo") << QStringLiteral("combo") << true;
-        QTest::newRow("editor del combo") << QStringLiteral("editorCombo") << false;
-        QTest::newRow("editor del spin box") << QStringLiteral("editorSpin") << false;
-        QTest::newRow("cabecera de tabla") << QStringLiteral("cabecera") << false;
-        QTest::newRow("barra del área") << QStringLiteral("barra") << false;
-        QTest::newRow("viewport del área") << QStringLiteral("viewport") << false;
-    }
+    // A window built in code without names: its widgets are controls too (their font and
+    // geometry set: "fg"), but not the inner parts of composite widgets ("--").
     void sinNombre()
     {
-        QFETCH(QString, parte); QFETCH(bool, control);
         QWidget form;
-        form.setFont(fuente(QStringLiteral("DejaVu Serif"), 8));
         form.resize(400, 200);
-        auto *marco = new QFrame(&form);
-        marco->setGeometry(200, 10, 150, 80);
         auto *area = new QScrollArea(&form);
-        area->setGeometry(10, 100, 100, 60);
         area->setWidget(new QLabel(QStringLiteral("x")));
         auto *combo = new QComboBox(&form);
         combo->setEditable(true);
-        combo->setGeometry(120, 100, 60, 20);
-        auto *tabla = new QTableWidget(2, 2, &form);
-        const QMap<QString, QWidget *> partes{
-            {QStringLiteral("etiqueta"), new QLabel(&form)},
-            {QStringLiteral("dentro"), new QLabel(marco)},
-            {QStringLiteral("contenido"), area->widget()},
-            {QStringLiteral("combo"), combo},
-            {QStringLiteral("editorCombo"), combo->lineEdit()},
-            {QStringLiteral("editorSpin"), (new QSpinBox(&form))->findChild<QLineEdit *>()},
-            {QStringLiteral("cabecera"), tabla->horizontalHeader()},
-            {QStringLiteral("barra"), area->verticalScrollBar()},
-            {QStringLiteral("viewport"), area->viewport()}};
-        QWidget *w = partes.value(parte);
-        QVERIFY(w);
-        w->setGeometry(10, 10, 40, 20);
+        const QList<std::pair<QString, QWidget *>> partes{
+            {u"dentro"_qs, new QLabel(new QFrame(&form))},
+            {u"contenido"_qs, area->widget()},
+            {u"combo"_qs, combo},
+            {u"editorCombo"_qs, combo->lineEdit()},
+            {u"editorSpin"_qs, (new QSpinBox(&form))->findChild<QLineEdit *>()},
+            {u"cabecera"_qs, (new QTableWidget(2, 2, &form))->horizontalHeader()},
+            {u"barra"_qs, area->verticalScrollBar()},
+            {u"viewport"_qs, area->viewport()}};
+        for (const auto &[nombre, w] : partes)
+            w->setGeometry(10, 10, 40, 20);
         PonerFuente(&form);
-        QCOMPARE(w->testAttribute(Qt::WA_SetFont), control);
         Redimensionar(&form, false);
-        QCOMPARE(w->geometry() == QRect(15, 15, 60, 30), control);
+        QStringList vistos;
+        for (const auto &[nombre, w] : partes)
+            vistos << nombre + u':' + (w->testAttribute(Qt::WA_SetFont) ? u'f' : u'-')
+                          + (w->geometry() == QRect(15, 15, 60, 30) ? u'g' : u'-');
+        QCOMPARE(vistos.join(u' '), u"dentro:fg contenido:fg combo:fg editorCombo:-- editorSpin:-- cabecera:-- "
+                                    "barra:-- viewport:--"_qs);
     }
 
-    void tamanoFijo()
+    // The second time the window already loaded is shown and brought forward; a name nobody
+    // registered opens nothing.
+    void mostrarUnaSolaVez()
     {
-        auto form = formulario(200);
-        form->setFixedSize(400, 200);
-        Redimensionar(form.get(), false);
-        QCOMPARE(form->size(), QSize(600, 300));
-        QCOMPARE(form->minimumSize(), QSize(600, 300));
-        QCOMPARE(form->maximumSize(), QSize(600, 300));
+        int creadas = 0;
+        RegistrarVentana(u"VentanaPrueba"_qs, [&creadas] { ++creadas; return new QWidget; });
+        std::unique_ptr<QWidget> w(AbrirVentana(u"VentanaPrueba"_qs));
+        QVERIFY(w && w->isVisible());
+        QWidget otra;
+        QVERIFY(prueba::mostrarActiva(&otra));
+        w->hide();
+        QCOMPARE(AbrirVentana(u"VentanaPrueba"_qs), w.get());
+        QVERIFY(QTest::qWaitForWindowActive(w.get()));
+        QCOMPARE(creadas, 1);
+        QCOMPARE(AbrirVentana(u"NoExiste"_qs), nullptr);
     }
 
+    void devolverFoco()
+    {
+        QWidget w;
+        auto *a = new QLineEdit(&w);
+        auto *b = new QLineEdit(&w);
+        auto *apagado = new QLineEdit(&w);
+        apagado->setEnabled(false);
+        QVERIFY(prueba::mostrarActiva(&w));
+        b->setFocus();
+        DevolverFoco(a);
+        DevolverFoco(apagado);
+        DevolverFoco(nullptr); // an empty reference is ignored
+        QVERIFY(a->hasFocus());
+    }
+
+    // A wheel over another control scrolls the grid that has the focus, once; with the focus on a
+    // plain field there is nothing to redirect to. Activation does not stack: one deactivation
+    // undoes any number of them, and a further one is harmless.
+    void ruedaRedirigida()
+    {
+        VentanaConGrid v;
+        QCOMPARE(v.bajar(v.campo), 0);
+        Subclasificar(&v.ventana);
+        Subclasificar(&v.ventana);
+        QVERIFY(Subclasificada(&v.ventana));
+        const int unPaso = v.bajar(v.campo);
+        QVERIFY(unPaso > 0);
+        QCOMPARE(v.bajar(v.grid->viewport()), 2 * unPaso);
+        v.campo->setFocus();
+        QCOMPARE(v.bajar(v.campo), 2 * unPaso);
+        v.grid->setFocus();
+        Desclasificar(&v.ventana);
+        QVERIFY(!Subclasificada(&v.ventana));
+        Desclasificar(&v.ventana);
+        QCOMPARE(v.bajar(v.campo), 2 * unPaso);
+    }
 };
 
 QTEST_MAIN(TestLayout)
