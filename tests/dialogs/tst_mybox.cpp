@@ -1,23 +1,20 @@
-// The box on screen, answered through real key and mouse events from a queued callback; what
-// the callback sees is recorded and checked after the call has returned.
+// The message, input and viewer boxes on screen, answered through real key and mouse events
+// from a queued callback (what the callback sees is recorded and checked after the call has
+// returned); and the order of a range by the type of its fields, without a box.
+#include <kvr/cajas.h>
 #include <kvr/campos.h>
 #include <kvr/error.h>
-#include <kvr/escala.h>
-#include <kvr/layout.h>
 #include <kvr/mybox.h>
-#include <kvr/valores.h>
 
 #include "comun/pruebas.h"
 #include "registro.h"
 
+#include <QColorDialog>
 #include <QComboBox>
-#include <QLabel>
+#include <QHeaderView>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QScreen>
 
 using namespace kvr;
-
 using namespace prueba;
 
 namespace {
@@ -25,6 +22,79 @@ namespace {
 QString rango(const char *desde, const char *hasta)
 {
     return UnirRango(QString::fromUtf8(desde), QString::fromUtf8(hasta));
+}
+
+// The number of the run-time error that `accion` raises; 0 when it raises none.
+int errorDe(const std::function<void()> &accion)
+{
+    try {
+        accion();
+    } catch (const ErrorEjecucion &e) {
+        return e.numero();
+    }
+    return 0;
+}
+
+QPushButton *botonTitulado(QWidget *caja, const QString &titulo)
+{
+    for (int i = 0; i < 3; ++i)
+        if (boton(caja, i)->isVisible() && boton(caja, i)->text() == titulo)
+            return boton(caja, i);
+    return nullptr;
+}
+
+// The middle of a data row's cell in the first visible column, in viewport coordinates.
+QPoint centroDeFila(VisorRejilla *visor, int fila)
+{
+    int col = 0;
+    while (visor->isColumnHidden(col))
+        ++col;
+    const QModelIndex i = visor->model()->index(visor->modeloRejilla()->filaVista(fila), col);
+    visor->scrollTo(i);
+    return visor->visualRect(i).center();
+}
+
+// Plays a script of user actions on the viewer box, separated by blanks: "fila:N" clicks grid
+// row N, "titulo:C" the title of column C, "doblefila:N" and "dobletitulo:C" double-click them;
+// "tab", "abajo", "enter" and "escape" are keys for the focused control, any other word clicks
+// the visible button of that caption. Stops when the box has gone.
+void representar(QWidget *caja, const QString &guion)
+{
+    static const QHash<QString, Qt::Key> teclas{{u"tab"_qs, Qt::Key_Tab}, {u"abajo"_qs, Qt::Key_Down},
+                                                {u"enter"_qs, Qt::Key_Return},
+                                                {u"escape"_qs, Qt::Key_Escape}};
+    QPointer<QWidget> vigia(caja);
+    auto *visor = control<VisorRejilla>(caja, "VisorMini");
+    QHeaderView *h = visor->horizontalHeader();
+    for (const QString &paso : guion.split(u' ', Qt::SkipEmptyParts)) {
+        if (!vigia || !vigia->isVisible())
+            return;
+        const QString orden = paso.section(u':', 0, 0);
+        const int n = paso.section(u':', 1, 1).toInt();
+        using Clic = void (*)(QWidget *, Qt::MouseButton, Qt::KeyboardModifiers, QPoint, int);
+        const Clic clic = orden.startsWith(u"doble") ? Clic(&QTest::mouseDClick) : Clic(&QTest::mouseClick);
+        if (orden.endsWith(u"fila"))
+            clic(visor->viewport(), Qt::LeftButton, {}, centroDeFila(visor, n), -1);
+        else if (orden.endsWith(u"titulo"))
+            clic(h->viewport(), Qt::LeftButton, {},
+                 QPoint(h->sectionViewportPosition(n) + h->sectionSize(n) / 2, h->height() / 2), -1);
+        else if (teclas.contains(orden))
+            QTest::keyClick(QApplication::focusWidget(), teclas.value(orden));
+        else if (QPushButton *b = botonTitulado(caja, paso))
+            QTest::mouseClick(b, Qt::LeftButton);
+        else
+            QFAIL(qPrintable(QStringLiteral("paso desconocido: ") + paso));
+        QCoreApplication::processEvents();
+    }
+}
+
+const QString kTitulos = QStringLiteral(";Nombre#12;Teléfono#10;Ciudad#8");
+
+// Three contacts; element 0 of every row and row 0 are not shown.
+QVector<QStringList> contactos()
+{
+    return {{}, L({"", "A1", "Ana", "911 000 001", "Madrid"}), L({"", "A2", "Berta", "933 000 002", "Barcelona"}),
+            L({"", "A3", "Carmen", "954 000 003", "Sevilla"})};
 }
 
 } // namespace
@@ -35,78 +105,99 @@ private Q_SLOTS:
     void initTestCase()
     {
         QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
-        FechaTrabajo = QDate(2026, 11, 21);
     }
-    void cleanup()
+    void cleanup() { QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain)); }
+
+    void rangoEnOrden_data()
     {
-        QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
-        QuitarPantallaSimulada();
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("tag");
+        QTest::addColumn<QString>("desde");
+        QTest::addColumn<QString>("hasta");
+        QTest::addColumn<bool>("enOrden");
+        const char *f = "T(F) L(10) A(I) (/)", *n = "T(N) L(10) A(D) (/)";
+        // Dates and amounts are read by the locale's rules, in both; amounts by value.
+        for (const char *loc : {"es_ES", "C"}) {
+            const bool es = QByteArray(loc) == "es_ES";
+            auto fila = [&](const char *caso) -> QTestData & {
+                return QTest::addRow("%s %s", loc, caso) << QString::fromLatin1(loc);
+            };
+            fila("fecha mostrada") << f << (es ? "01 feb 2009" : "01 Feb 2009") << (es ? "31 ene 2009" : "31 Jan 2009")
+                                   << false;
+            fila("N agrupado") << n << (es ? "1.000,00" : "1,000.00") << (es ? "999,50" : "999.50") << false;
+        }
+        const auto es = [](const char *caso) -> QTestData & { return QTest::newRow(caso) << u"es_ES"_qs; };
+        es("fecha igual") << f << "01/02/2009" << "01 feb 2009" << true;
+        es("desde en blanco") << f << "   " << "01/01/2000" << true;
+        es("hasta vacío") << f << "31/12/2009" << "" << true;
+        es("n negativo") << "T(n) L(10) A(D) (/)" << "-5" << "-6" << false;
+        // "D" reads the shown texts with "." as the decimal point, unconverted.
+        es("D con coma") << "T(D) L(6) A(D) (/)" << "1,5" << "1,2" << true;
+        es("D al revés por valor, no por texto") << "T(D) L(4) A(D) (/)" << "  12" << "   3" << false;
+        es("texto por códigos") << "T(m) L(5) A(I) (/)" << "Z" << "Á" << true;
+    }
+    void rangoEnOrden()
+    {
+        QFETCH(QString, locale); QFETCH(QString, tag); QFETCH(QString, desde);
+        QFETCH(QString, hasta); QFETCH(bool, enOrden);
+        QLocale::setDefault(QLocale(locale));
+        ServiciosGrabados grabados;
+        QCOMPARE(RangoEnOrden(desde, hasta, tag), enOrden);
+        QVERIFY(grabados.mensajes.isEmpty());
+    }
+
+    // A date that cannot be read stops the check with a run-time error.
+    void fechaIlegible()
+    {
+        QCOMPARE(errorDe([] { RangoEnOrden(u"31/02/2009"_qs, u"01/03/2009"_qs, u"T(F) L(10) A(I) (/)"_qs); }),
+                 int(ErrorEjecucion::TiposNoCoinciden));
     }
 
     void juegosDeBotones_data()
     {
         QTest::addColumn<int>("juego");
         QTest::addColumn<int>("omision");
-        QTest::addColumn<QString>("titulos");
-        QTest::addColumn<QString>("foco");
+        QTest::addColumn<QString>("visto"); // the visible captions, then the focused button
         QTest::addColumn<float>("codigo");
-        QTest::newRow("2 segundo") << 2 << 2 << "Aceptar|Cancelar" << "Boton(0)" << 2.0f;
-        QTest::newRow("3 primero: Si") << 3 << 1 << "Si|No" << "Boton(1)" << 6.0f;
-        QTest::newRow("4 otro") << 4 << 9 << "Si|No|Cancelar" << "Boton(0)" << 2.0f;
-        QTest::newRow("5 segundo") << 5 << 2 << "Abortar|Reintentar|Ignorar" << "Boton(1)" << 4.0f;
-        QTest::newRow("6 primero") << 6 << 1 << "Reintentar|Cancelar" << "Boton(1)" << 4.0f;
+        QTest::newRow("2 segundo") << 2 << 2 << "Aceptar|Cancelar Boton(0)" << 2.0f;
+        QTest::newRow("3 primero: Si") << 3 << 1 << "Si|No Boton(1)" << 6.0f;
+        QTest::newRow("4 otro") << 4 << 9 << "Si|No|Cancelar Boton(0)" << 2.0f;
+        QTest::newRow("5 segundo") << 5 << 2 << "Abortar|Reintentar|Ignorar Boton(1)" << 4.0f;
+        QTest::newRow("6 primero") << 6 << 1 << "Reintentar|Cancelar Boton(1)" << 4.0f;
         // An unknown set keeps the design's buttons; their captions give no code.
-        QTest::newRow("7 desconocido") << 7 << 1 << "Boton3|Boton2|Boton1" << "" << 0.0f;
+        QTest::newRow("7 desconocido") << 7 << 1 << "Boton3|Boton2|Boton1 Boton(2)" << 0.0f;
     }
     // The set's captions and initial focus; Enter on the focused button answers with its code.
     void juegosDeBotones()
     {
-        QFETCH(int, juego); QFETCH(int, omision); QFETCH(QString, titulos); QFETCH(QString, foco);
-        QFETCH(float, codigo);
-        QString vistos, enfocado;
+        QFETCH(int, juego); QFETCH(int, omision); QFETCH(QString, visto); QFETCH(float, codigo);
+        QString vistos;
         alAbrirse([&](QWidget *caja) {
-            vistos = titulosVisibles(caja);
-            enfocado = nombreDelFoco();
-            QWidget *destino = foco.isEmpty() ? boton(caja, 0) : QApplication::focusWidget();
-            QTest::keyClick(destino, Qt::Key_Return);
+            vistos = titulosVisibles(caja) + u' ' + nombreDelFoco();
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         });
-        const float r = MyMsgBox(QStringLiteral("¿Seguro?"), QStringLiteral("Prueba"), 2, juego, omision);
-        QCOMPARE(vistos, titulos);
-        if (!foco.isEmpty())
-            QCOMPARE(enfocado, foco);
-        QCOMPARE(r, codigo);
+        QCOMPARE(MyMsgBox(QStringLiteral("¿Seguro?"), QStringLiteral("Prueba"), 2, juego, omision), codigo);
+        QCOMPARE(vistos, visto);
     }
 
-    void mensajeYTitulo_data()
-    {
-        QTest::addColumn<QString>("mensaje");
-        QTest::addColumn<QString>("lineas"); // joined by "|"
-        QTest::newRow("A;;B") << "A;;B" << "A||B";
-        QTest::newRow("sin separador") << "<b>tal cual</b>" << "<b>tal cual</b>";
-    }
-    // The message's lines, the title in the caption strip and the icon; Escape answers 0.
+    // A ";" of the message starts a line, and all lines fit; the title shows in the caption strip
+    // and the window's, the icon beside the message. Escape answers 0.
     void mensajeYTitulo()
     {
-        QFETCH(QString, mensaje); QFETCH(QString, lineas);
-        QString vistas;
-        QString titulo, tituloVentana;
+        QString visto;
         QSize icono;
         int alturaMensaje = 0, alturaLinea = 0;
         alAbrirse([&](QWidget *caja) {
             auto *m = control<QLabel>(caja, "Mensaje");
-            vistas = m->text().split(u'\n').join(u'|');
+            visto = QStringList{m->text(), control<QLabel>(caja, "etiTitulo")->text(), caja->windowTitle()}.join(u'|');
             alturaMensaje = m->sizeHint().height();
             alturaLinea = m->fontMetrics().lineSpacing();
-            titulo = control<QLabel>(caja, "etiTitulo")->text();
-            tituloVentana = caja->windowTitle();
             icono = control<QLabel>(caja, "Imagen")->pixmap().size();
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
         });
-        const float r = MyMsgBox(mensaje, QStringLiteral("Título ñ"), IconoAdvertencia, 1, 1);
-        QCOMPARE(vistas, lineas);
-        QVERIFY(alturaMensaje >= lineas.count(u'|') * alturaLinea + alturaLinea);
-        QCOMPARE(titulo, QStringLiteral("Título ñ"));
-        QCOMPARE(tituloVentana, titulo);
+        const float r = MyMsgBox(u"<b>A</b>;;B"_qs, QStringLiteral("Título ñ"), IconoAdvertencia, 1, 1);
+        QCOMPARE(visto, u"<b>A</b>\n\nB|Título ñ|Título ñ"_qs);
+        QVERIFY(alturaMensaje >= 3 * alturaLinea);
         QCOMPARE(icono, QSize(32, 32));
         QCOMPARE(r, 0.0f);
     }
@@ -123,13 +214,8 @@ private Q_SLOTS:
             vistas << img;
         }
         for (int malo : {0, -1, 11}) {
-            bool lanzado = false;
-            try {
-                MyMsgBox(QStringLiteral("x"), QString(), malo, 1, 1);
-            } catch (const ErrorEjecucion &e) {
-                lanzado = e.numero() == ErrorEjecucion::SubindiceFueraDeIntervalo;
-            }
-            QVERIFY(lanzado);
+            QCOMPARE(errorDe([malo] { MyMsgBox(u"x"_qs, QString(), malo, 1, 1); }),
+                     int(ErrorEjecucion::SubindiceFueraDeIntervalo));
             QVERIFY(!QApplication::activeModalWidget());
         }
     }
@@ -182,41 +268,31 @@ private Q_SLOTS:
 
     void valorPorTipo_data()
     {
-        QTest::addColumn<QString>("locale");
         QTest::addColumn<QString>("tag");
         QTest::addColumn<QString>("tecleado");
         QTest::addColumn<QString>("mostrado");
         QTest::addColumn<QString>("resultado");
-        for (const char *loc : {"es_ES", "C"}) {
-            const bool es = QByteArray(loc) == "es_ES";
-            auto fila = [&](const char *caso) -> QTestData & { return QTest::addRow("%s %s", loc, caso) << QString::fromLatin1(loc); };
-            fila("N") << "T(N) L(12) A(D)" << "1234,5" << (es ? "1.234,50" : "1,234.50") << "1234.50";
-            fila("F completa") << "T(F) L(10) A(I)" << "1205" << (es ? "12 may 2026" : "12 May 2026") << "12/05/2026";
-        }
-        QTest::newRow("H") << "es_ES" << "T(H) L(5) A(I)" << "9.5" << "09:05" << "09:05";
+        QTest::newRow("N") << "T(N) L(12) A(D)" << "1234,5" << "1.234,50" << "1234.50";
+        QTest::newRow("H") << "T(H) L(5) A(I)" << "9.5" << "09:05" << "09:05";
     }
-    // What the user types, shown in its display form when the field is left, comes back in its
-    // editing form.
+    // What the user types in the field, which has the focus, shows in its display form when
+    // the field is left and comes back in its editing form.
     void valorPorTipo()
     {
-        QFETCH(QString, locale); QFETCH(QString, tag); QFETCH(QString, tecleado);
-        QFETCH(QString, mostrado); QFETCH(QString, resultado);
-        QLocale::setDefault(QLocale(locale));
+        QFETCH(QString, tag); QFETCH(QString, tecleado); QFETCH(QString, mostrado); QFETCH(QString, resultado);
         ServiciosGrabados grabados;
-        QString foco, visto;
+        QString visto;
         alAbrirse([&](QWidget *caja) {
-            foco = nombreDelFoco();
             auto *campo = control<QLineEdit>(caja, "CampoTexto");
+            visto = nombreDelFoco() + u' ';
             QTest::keyClicks(campo, tecleado);
             QCoreApplication::processEvents();
             QTest::mousePress(boton(caja, 1), Qt::LeftButton);
-            visto = campo->text();
+            visto += campo->text();
             QTest::mouseRelease(boton(caja, 1), Qt::LeftButton);
         });
-        const QString r = MyInputBox(QStringLiteral("Dato:"), QStringLiteral("Entrada"), 2, tag);
-        QCOMPARE(foco, QStringLiteral("CampoTexto"));
-        QCOMPARE(visto, mostrado);
-        QCOMPARE(r, resultado);
+        QCOMPARE(MyInputBox(QStringLiteral("Dato:"), QStringLiteral("Entrada"), 2, tag), resultado);
+        QCOMPARE(visto, u"CampoTexto "_qs + mostrado);
         QVERIFY(grabados.mensajes.isEmpty());
     }
 
@@ -224,50 +300,39 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("tag");
         QTest::addColumn<QString>("inicial");
-        QTest::addColumn<QString>("desde");
-        QTest::addColumn<QString>("hasta");
+        QTest::addColumn<QString>("vistos"); // both fields as shown, "|" between
         QTest::addColumn<QString>("resultado"); // empty: refused, the box stays open
         const QString fecha = QStringLiteral("T(F) L(10) A(I) (/)");
-        QTest::newRow("fecha abierta") << fecha << rango("01/02/2009", "") << "01 feb 2009" << ""
-                                       << rango("01/02/2009", "");
-        QTest::newRow("fecha al revés") << fecha << rango("31/12/2009", "01/01/2009") << "31 dic 2009"
-                                        << "01 ene 2009" << "";
-        QTest::newRow("sin separador") << fecha << "01/02/2009" << "" << "" << rango("", "");
-        QTest::newRow("texto A a") << QStringLiteral("T(m) L(5) A(I) (/)") << rango("A", "a") << "A" << "a" << rango("A", "a");
-        const QString numero = QStringLiteral("T(N) L(10) A(D) (/)");
-        QTest::newRow("números 9 10") << numero << rango("9", "10") << "9,00" << "10,00" << rango("9.00", "10.00");
-        const QString digitos = QStringLiteral("T(D) L(4) A(D) (/)");
+        QTest::newRow("fecha al revés") << fecha << rango("31/12/2009", "01/01/2009") << "31 dic 2009|01 ene 2009" << "";
+        QTest::newRow("sin separador") << fecha << "01/02/2009" << "|" << rango("", "");
+        QTest::newRow("números 9 10") << QStringLiteral("T(N) L(10) A(D) (/)") << rango("9", "10") << "9,00|10,00"
+                                     << rango("9.00", "10.00");
     }
-    // Both bounds on one line, filled in their display form; "Aceptar" is refused while the
-    // range is out of order, and "Cancelar" then closes the box with an empty answer.
+    // Both bounds on one line under their labels, filled in their display form; "Aceptar" is
+    // refused while the range is out of order, and "Cancelar" then closes the box with an empty
+    // answer.
     void rangos()
     {
-        QFETCH(QString, tag); QFETCH(QString, inicial); QFETCH(QString, desde);
-        QFETCH(QString, hasta); QFETCH(QString, resultado);
+        QFETCH(QString, tag); QFETCH(QString, inicial); QFETCH(QString, vistos); QFETCH(QString, resultado);
         ServiciosGrabados grabados;
-        QString vistoDesde, vistoHasta, foco;
-        bool abiertaTrasAceptar = false, mismaLinea = false, etiquetas = false;
+        QString visto;
+        bool abiertaTrasAceptar = false, disposicion = false;
         alAbrirse([&](QWidget *caja) {
             auto *d = control<QLineEdit>(caja, "CampoTexto");
             auto *h = control<QLineEdit>(caja, "CampoHasta");
-            foco = nombreDelFoco();
-            vistoHasta = h->text();
-            mismaLinea = d->y() == h->y() && d->width() == h->width() && d->geometry().right() < h->x();
-            etiquetas = control(caja, "etiDesde")->isVisible() && control(caja, "etiHasta")->isVisible();
-            pulsar(boton(caja, 1));
-            vistoDesde = d->text();
+            visto = nombreDelFoco();
+            disposicion = d->y() == h->y() && d->width() == h->width() && d->geometry().right() < h->x()
+                          && control(caja, "etiDesde")->isVisible() && control(caja, "etiHasta")->isVisible();
+            pulsar(boton(caja, 1)); // leaving the first field shows it in its display form too
+            visto += u' ' + d->text() + u'|' + h->text();
             abiertaTrasAceptar = caja->isVisible();
             if (abiertaTrasAceptar)
                 pulsar(boton(caja, 0));
         });
-        const QString r = MyInputBox(QStringLiteral("Periodo"), QString(), 2, tag, inicial);
-        QCOMPARE(foco, QStringLiteral("CampoTexto"));
-        QCOMPARE(vistoDesde, desde);
-        QCOMPARE(vistoHasta, hasta);
-        QVERIFY(mismaLinea);
-        QVERIFY(etiquetas);
+        QCOMPARE(MyInputBox(QStringLiteral("Periodo"), QString(), 2, tag, inicial), resultado);
+        QCOMPARE(visto, u"CampoTexto "_qs + vistos);
+        QVERIFY(disposicion);
         QCOMPARE(abiertaTrasAceptar, resultado.isEmpty());
-        QCOMPARE(r, resultado);
         QVERIFY(grabados.mensajes.isEmpty());
     }
 
@@ -283,22 +348,18 @@ private Q_SLOTS:
     void lista()
     {
         QFETCH(QString, lista); QFETCH(int, bajadas); QFETCH(QString, resultado);
-        bool enSuSitio = false, campoOculto = false;
-        QString foco;
+        bool enSuSitio = false;
         alAbrirse([&](QWidget *caja) {
             auto *combo = control<QComboBox>(caja, "cbxTabla");
             QWidget *campo = control(caja, "CampoTexto");
-            enSuSitio = combo->x() == campo->x() && combo->y() == campo->y() && combo->width() == campo->width();
-            campoOculto = !campo->isVisible();
-            foco = nombreDelFoco();
+            enSuSitio = combo->pos() == campo->pos() && combo->width() == campo->width() && !campo->isVisible()
+                        && nombreDelFoco() == u"cbxTabla";
             for (int i = 0; i < bajadas; ++i)
                 QTest::keyClick(combo, Qt::Key_Down);
             pulsar(boton(caja, 1));
         });
         QCOMPARE(MyInputBox(QStringLiteral("Elija"), QString(), 2, QStringLiteral("TABLA"), lista), resultado);
         QVERIFY(enSuSitio);
-        QVERIFY(campoOculto);
-        QCOMPARE(foco, QStringLiteral("cbxTabla"));
     }
 
     // The help button shows only for an existing file; it opens the mini help window modally
@@ -306,48 +367,41 @@ private Q_SLOTS:
     void ayuda()
     {
         const QString fichero = QStringLiteral(KVR_DATOS_RTF "/ayuda_simbolos.rtf");
-        QVERIFY(QFile::exists(fichero));
-        bool visible = false, ayudaModal = false;
-        QString clase, foco, tagAyuda;
+        QString visto;
         alAbrirse([&](QWidget *caja) {
             QWidget *ayuda = control(caja, "Ayuda");
-            visible = ayuda->isVisible();
-            tagAyuda = TagDe(ayuda);
+            visto = (ayuda->isVisible() ? u"visible "_qs : QString()) + TagDe(ayuda);
             QTest::keyClicks(control(caja, "CampoTexto"), QStringLiteral("abc"));
             QTimer::singleShot(0, qApp, [&] {
                 QWidget *m = QApplication::activeModalWidget();
-                clase = m ? QString::fromLatin1(m->metaObject()->className()) : QString();
-                ayudaModal = m && m != caja && m->isModal();
-                if (auto *cerrar = m ? m->findChild<QPushButton *>(QStringLiteral("cmdCerrar")) : nullptr)
-                    pulsar(cerrar);
+                if (!m || m == caja || !m->isModal())
+                    return;
+                visto += u' ' + QString::fromLatin1(m->metaObject()->className());
+                pulsar(control(m, "cmdCerrar"));
             });
             pulsar(ayuda);
-            foco = nombreDelFoco();
+            visto += u' ' + nombreDelFoco();
             pulsar(boton(caja, 0));
         });
         MyInputBox(QStringLiteral("x"), QString(), 1, QStringLiteral("T(m) L(9) A(I)"), {}, -1, -1, nullptr, fichero);
-        QVERIFY(visible);
-        QCOMPARE(tagAyuda, fichero);
-        QCOMPARE(clase, QStringLiteral("kvr::MiniHelp"));
-        QVERIFY(ayudaModal);
-        QCOMPARE(foco, QStringLiteral("CampoTexto"));
+        QCOMPARE(visto, u"visible "_qs + fichero + u" kvr::MiniHelp CampoTexto"_qs);
 
         // In the range box the field left last is the caller's, in a window the box blocks:
         // the focus stays in the box.
         QLineEdit anfitrion;
         anfitrion.show();
         UltimoCampo = &anfitrion;
-        QWidget *ventanaDelFoco = nullptr, *laCaja = nullptr;
+        bool enLaCaja = false;
         alAbrirse([&](QWidget *caja) {
-            laCaja = caja;
             QTimer::singleShot(0, qApp, [] { QApplication::activeModalWidget()->close(); });
             pulsar(control(caja, "Ayuda"));
-            ventanaDelFoco = QApplication::focusWidget() ? QApplication::focusWidget()->window() : nullptr;
+            enLaCaja = QApplication::focusWidget() && QApplication::focusWidget()->window() == caja;
             pulsar(boton(caja, 0));
         });
         MyInputBox(QStringLiteral("x"), QString(), 1, QStringLiteral("T(m) L(9) A(I) (/)"), {}, -1, -1, nullptr, fichero);
-        QVERIFY(ventanaDelFoco && ventanaDelFoco == laCaja);
+        QVERIFY(enLaCaja);
 
+        bool visible = true;
         alAbrirse([&](QWidget *caja) {
             visible = control(caja, "Ayuda")->isVisible();
             pulsar(boton(caja, 0));
@@ -355,6 +409,101 @@ private Q_SLOTS:
         MyInputBox(QStringLiteral("x"), QString(), 1, QStringLiteral("T(m) L(9) A(I)"), {}, -1, -1,
                    nullptr, fichero + QStringLiteral(".no"));
         QVERIFY(!visible);
+    }
+
+    void elegir_data()
+    {
+        QTest::addColumn<QString>("columna");
+        QTest::addColumn<QString>("guion");
+        QTest::addColumn<QString>("esperado");
+        QTest::newRow("columna por número") << "#3" << "fila:3 Aceptar" << "Sevilla";
+        QTest::newRow("sin columna: la columna 0") << "" << "fila:2 Aceptar" << "A2";
+        QTest::newRow("Aceptar sin fila") << "Ciudad" << "Aceptar" << "";
+        // A click on a title chooses nothing; a double click there accepts the row chosen.
+        QTest::newRow("títulos") << "Ciudad" << "fila:1 titulo:2 dobletitulo:1" << "Madrid";
+        QTest::newRow("doble clic confirma") << "Nombre" << "doblefila:2" << "Berta";
+        QTest::newRow("Escape tras elegir") << "Nombre" << "fila:2 escape" << "";
+        QTest::newRow("flechas y Enter en la rejilla") << "Ciudad" << "tab abajo abajo enter" << "Sevilla";
+    }
+    // A row is chosen by a click or a key and confirmed by "Aceptar", a double click or Enter;
+    // the result is its text in the column asked for. Picking offers "Aceptar" and "Cancelar"
+    // with the focus on "Cancelar"; looking only offers "Aceptar".
+    void elegir()
+    {
+        QFETCH(QString, columna); QFETCH(QString, guion); QFETCH(QString, esperado);
+        QString botones, foco;
+        bool abierta = true;
+        alAbrirse([&](QWidget *caja) {
+            botones = titulosVisibles(caja);
+            foco = nombreDelFoco();
+            QPointer<QWidget> vigia(caja);
+            representar(caja, guion);
+            abierta = vigia && vigia->isVisible();
+        });
+        const QString r = MyVisorBox(QStringLiteral("Contactos"), kTitulos, contactos(), IconoBuscar, columna);
+        QVERIFY2(!abierta, "el guion no cerró la caja");
+        QCOMPARE(r, esperado);
+        QCOMPARE(botones, columna.isEmpty() ? u"Aceptar"_qs : u"Aceptar|Cancelar"_qs);
+        QCOMPARE(foco, QStringLiteral("Boton(0)"));
+    }
+
+    // A row shorter than the grid is the caller's error: it is raised and no box is shown.
+    void matrizCorta()
+    {
+        QVector<QStringList> m = contactos();
+        m[2].removeLast();
+        bool vista = false;
+        alAbrirse([&](QWidget *caja) {
+            vista = true;
+            caja->close();
+        });
+        QCOMPARE(errorDe([&m] { MyVisorBox(u"x"_qs, kTitulos, m, 1, u"Nombre"_qs); }),
+                 int(ErrorEjecucion::SubindiceFueraDeIntervalo));
+        QCoreApplication::processEvents();
+        QVERIFY(!vista);
+    }
+
+    void colores_data()
+    {
+        QTest::addColumn<bool>("aceptar");
+        QTest::addColumn<QString>("visto"); // the dialog's first colour, then the field and the swatch
+        // The number is red + 256 green + 65536 blue.
+        QTest::newRow("aceptado") << true << "#c86432 1971210 #0a141e";
+        QTest::newRow("cancelado") << false << "#c86432 previo #c86432";
+    }
+    // A click on the colour swatch opens the colour dialog at the swatch's colour; the colour
+    // accepted there goes to the swatch and, as a number, to the field.
+    void colores()
+    {
+        QFETCH(bool, aceptar); QFETCH(QString, visto);
+        QString vistos;
+        bool quieta = false;
+        alAbrirse([&](QWidget *caja) {
+            auto *rgb = control<QLabel>(caja, "RGBText");
+            rgb->show();
+            QPalette p = rgb->palette();
+            p.setColor(QPalette::Window, QColor(200, 100, 50));
+            rgb->setPalette(p);
+            auto *campo = control<QLineEdit>(caja, "CampoTexto");
+            campo->setText(QStringLiteral("previo"));
+            const QPoint antes = caja->pos();
+            QTimer::singleShot(0, qApp, [&] {
+                auto *dlg = qobject_cast<QColorDialog *>(QApplication::activeModalWidget());
+                if (!dlg)
+                    return;
+                vistos = dlg->currentColor().name() + u' ';
+                dlg->setCurrentColor(QColor(10, 20, 30));
+                aceptar ? dlg->accept() : dlg->reject();
+            });
+            QTest::mouseClick(rgb, Qt::LeftButton);
+            QCoreApplication::processEvents();
+            vistos += campo->text() + u' ' + rgb->palette().color(QPalette::Window).name();
+            quieta = caja->isVisible() && caja->pos() == antes; // the swatch's press does not drag the box
+            QTest::mouseClick(boton(caja, 0), Qt::LeftButton);
+        });
+        MyVisorBox(QStringLiteral("Colores"), kTitulos, contactos(), 1, QString());
+        QCOMPARE(vistos, visto);
+        QVERIFY(quieta);
     }
 };
 

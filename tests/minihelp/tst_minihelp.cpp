@@ -1,5 +1,5 @@
-// The mini help window: the title strip and help files shown in it; and the QTextDocument built
-// from word-processor RTF files.
+// The RTF reader on hand-written corner cases; the mini help window: its title strip, and help
+// files shown in it as a QTextDocument built from word-processor RTF.
 //
 // The files in tests/data/rtf were made once from the sources beside them with LibreOffice 7.4:
 //   soffice --headless --convert-to rtf ayuda_formatos.fodt
@@ -7,14 +7,12 @@
 // The tests read only the .rtf files; LibreOffice is not needed to run them.
 #include <kvr/error.h>
 #include <kvr/minihelp.h>
+#include <kvr/rtf.h>
 #include <kvr/rtfdocumento.h>
 
 #include "comun/pruebas.h"
 
-#include <QFile>
-#include <QPushButton>
 #include <QTemporaryDir>
-#include <QTest>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextEdit>
@@ -29,18 +27,30 @@ QString Ruta(const char *nombre)
     return QStringLiteral(KVR_DATOS_RTF "/") + QLatin1String(nombre);
 }
 
-// The format of the first fragment whose text is `texto`, and its block.
-bool Fragmento(const QTextDocument &doc, const QString &texto, QTextCharFormat *f, QTextBlock *b = nullptr)
+// The runs of a document as one compact line: paragraphs split by "/", runs by "|", each run's
+// formatting in brackets when it differs from the default ("b" bold, "i" italic, "u" underline,
+// "s" strike-out, "fsN" size, "fN" font, "cN" colour, "^" raised).
+QString Tramos(const DocumentoRtf &doc)
 {
-    for (QTextBlock bloque = doc.begin(); bloque.isValid(); bloque = bloque.next())
-        for (auto it = bloque.begin(); !it.atEnd(); ++it)
-            if (it.fragment().text().trimmed() == texto) {
-                *f = it.fragment().charFormat();
-                if (b)
-                    *b = bloque;
-                return true;
-            }
-    return false;
+    QStringList parrafos;
+    for (const ParrafoRtf &p : doc.parrafos) {
+        QStringList tramos;
+        for (const TramoRtf &t : p.tramos) {
+            QString marca;
+            const FormatoRtf &f = t.formato;
+            if (f.negrita) marca += u'b';
+            if (f.cursiva) marca += u'i';
+            if (f.subrayado) marca += u'u';
+            if (f.tachado) marca += u's';
+            if (f.medioPuntos != 24) marca += QStringLiteral("fs%1").arg(f.medioPuntos);
+            if (f.fuente >= 0) marca += QStringLiteral("f%1").arg(f.fuente);
+            if (f.color != 0) marca += QStringLiteral("c%1").arg(f.color);
+            if (f.vertical > 0) marca += u'^';
+            tramos.append(marca.isEmpty() ? t.texto : t.texto + u'[' + marca + u']');
+        }
+        parrafos.append(tramos.join(u'|'));
+    }
+    return parrafos.join(u'/');
 }
 
 } // namespace
@@ -48,153 +58,236 @@ bool Fragmento(const QTextDocument &doc, const QString &texto, QTextCharFormat *
 class TestMiniHelp : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase();
-    void textoVersion_data();
-    void textoVersion();
-    void tituloMiniWeb_data();
-    void tituloMiniWeb();
-    void documentoDeFichero_data();
-    void documentoDeFichero();
-    void cargarAyuda_data();
-    void cargarAyuda();
-    void cargarAyudaSinFichero();
-};
-
-void TestMiniHelp::initTestCase()
-{
-    QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
-}
-
-void TestMiniHelp::textoVersion_data()
-{
-    QTest::addColumn<QString>("nombre");
-    QTest::addColumn<QString>("version");
-    QTest::addColumn<QString>("esperado");
-    QTest::newRow("tres partes") << u"VENTAS"_qs << u"2.1.34"_qs << u"Programa VENTAS  -  Versión 2.1.34"_qs;
-    QTest::newRow("sin version") << u"Nóminas"_qs << QString() << u"Programa Nóminas  -  Versión 0.0.0"_qs;
-    QTest::newRow("cuatro partes") << u"VENTAS"_qs << u"2.1.34.7"_qs << u"Programa VENTAS  -  Versión 2.1.34"_qs;
-}
-
-void TestMiniHelp::textoVersion()
-{
-    QFETCH(QString, nombre); QFETCH(QString, version); QFETCH(QString, esperado);
-    const QString nombreAntes = QCoreApplication::applicationName();
-    const QString versionAntes = QCoreApplication::applicationVersion();
-    QCoreApplication::setApplicationName(nombre);
-    QCoreApplication::setApplicationVersion(version);
-    MiniHelp v;
-    v.TituloMiniWeb(QString());
-    const QString visto = control(&v, "MiVersion")->property("texto").toString();
-    QCoreApplication::setApplicationName(nombreAntes);
-    QCoreApplication::setApplicationVersion(versionAntes);
-    QCOMPARE(visto, esperado);
-}
-
-void TestMiniHelp::tituloMiniWeb_data()
-{
-    QTest::addColumn<QStringList>("titulos");
-    QTest::addColumn<QString>("esperado");
-    QTest::addColumn<int>("dibujos");
-    QTest::newRow("vacio da la version") << QStringList{QString()} << MiniHelp::TextoVersion() << 1;
-    QTest::newRow("el ultimo manda") << QStringList{u"Uno"_qs, u"Dos"_qs} << u"Dos"_qs << 2;
-    QTest::newRow("vuelta a la version") << QStringList{u"Uno"_qs, QString()} << MiniHelp::TextoVersion() << 2;
-}
-
-void TestMiniHelp::tituloMiniWeb()
-{
-    QFETCH(QStringList, titulos); QFETCH(QString, esperado); QFETCH(int, dibujos);
-    MiniHelp v;
-    v.show();
-    QApplication::processEvents();
-    for (const QString &t : titulos)
-        v.TituloMiniWeb(t);
-    QWidget *tira = control(&v, "MiVersion");
-    QCOMPARE(tira->property("texto").toString(), esperado);
-    QCOMPARE(tira->property("dibujos").toInt(), dibujos);
-    QVERIFY(tira->isVisible());
-}
-
-void TestMiniHelp::documentoDeFichero_data()
-{
-    // A fragment of the word-processor file and how it must look in the document.
-    QTest::addColumn<QString>("fragmento");
-    QTest::addColumn<QString>("aspecto");
-    QTest::newRow("titulo") << u"Ayuda de Facturación"_qs << u"b 18 DejaVu Serif centro"_qs;
-    QTest::newRow("fuente por omision") << u"y pulse Intro."_qs << u"12 DejaVu Serif der"_qs;
-}
-
-void TestMiniHelp::documentoDeFichero()
-{
-    QFETCH(QString, fragmento); QFETCH(QString, aspecto);
-    QTextDocument doc;
-    QVERIFY(CargarRtf(Ruta("ayuda_formatos.rtf"), &doc));
-    QCOMPARE(doc.blockCount(), 8);
-    QCOMPARE(doc.findBlockByNumber(4).text(), u"Código\tDescripción\tImporte"_qs);
-    QCOMPARE(doc.findBlockByNumber(6).text(), u"Primera línea\u2028segunda línea del mismo párrafo."_qs);
-
-    QTextCharFormat f;
-    QTextBlock b;
-    QVERIFY(Fragmento(doc, fragmento, &f, &b));
-    QStringList visto;
-    if (f.fontWeight() == QFont::Bold) visto << u"b"_qs;
-    if (f.fontItalic()) visto << u"i"_qs;
-    if (f.fontUnderline()) visto << u"u"_qs;
-    if (f.foreground().style() != Qt::NoBrush) visto << f.foreground().color().name();
-    visto << QString::number(f.fontPointSize()) << f.fontFamilies().toStringList().join(u',');
-    const Qt::Alignment a = b.blockFormat().alignment() & Qt::AlignHorizontal_Mask;
-    visto << (a == Qt::AlignHCenter ? u"centro"_qs : a == Qt::AlignRight ? u"der"_qs : u"izq"_qs);
-    QCOMPARE(visto.join(u' '), aspecto);
-}
-
-void TestMiniHelp::cargarAyuda_data()
-{
-    QTest::addColumn<QByteArray>("contenido");
-    QTest::addColumn<QString>("primeraLinea");
-    QTest::addColumn<QString>("ultimaLinea");
-
-    QFile f(Ruta("ayuda_simbolos.rtf"));
-    QVERIFY(f.open(QIODevice::ReadOnly));
-    const QByteArray rtf = f.readAll();
-    QTest::newRow("fichero rtf") << rtf << u"¿Cómo se añade un cliente? ¡Muy fácil!"_qs
-                                 << u"Letra pequeña y letra grande."_qs;
-    // A file cut right after the third paragraph shows the paragraphs before the cut.
-    const qsizetype corte = rtf.indexOf("comillas");
-    QTest::newRow("fichero cortado") << rtf.left(corte) << u"¿Cómo se añade un cliente? ¡Muy fácil!"_qs
-                                     << u"Moneda: 25 € — el guion largo y las «"_qs;
-    QTest::newRow("texto sin formato") << QByteArray("Línea uno\r\nLínea dos\r\n")
-                                       << u"Línea uno"_qs << u"Línea dos"_qs;
-}
-
-void TestMiniHelp::cargarAyuda()
-{
-    QFETCH(QByteArray, contenido); QFETCH(QString, primeraLinea); QFETCH(QString, ultimaLinea);
-    QTemporaryDir dir;
-    const QString ruta = dir.filePath(u"AYUDA.RTF"_qs);
-    QFile f(ruta);
-    QVERIFY(f.open(QIODevice::WriteOnly));
-    f.write(contenido);
-    f.close();
-
-    MiniHelp v;
-    v.CargarAyuda(ruta);
-    auto *texto = qobject_cast<QTextEdit *>(control(&v, "TextoAyuda"));
-    const QStringList lineas = texto->toPlainText().split(u'\n');
-    QCOMPARE(lineas.first(), primeraLinea);
-    QCOMPARE(lineas.last(), ultimaLinea);
-    QCOMPARE(texto->textCursor().position(), 0);
-}
-
-void TestMiniHelp::cargarAyudaSinFichero()
-{
-    MiniHelp v;
-    int numero = 0;
-    try {
-        v.CargarAyuda(u"/no/existe/AYUDA.RTF"_qs);
-    } catch (const ErrorEjecucion &e) {
-        numero = e.numero();
+    void texto_data()
+    {
+        QTest::addColumn<QByteArray>("rtf");
+        QTest::addColumn<QString>("esperado");
+        QTest::addColumn<bool>("completo");
+        const auto fila = [](const char *caso, const QByteArray &rtf, const char *texto, bool completo) {
+            QTest::newRow(caso) << rtf << QString::fromUtf8(texto) << completo;
+        };
+        fila("hex en 850", "{\\rtf1\\pca \\'a4\\'a5}", "ñÑ", true);
+        fila("hex multibyte 932", "{\\rtf1\\ansicpg932 \\'82\\'a0}", "あ", true);
+        fila("hex por juego de la fuente",
+             "{\\rtf1{\\fonttbl{\\f0\\fcharset0 A;}{\\f1\\fcharset204 B;}}\\f0 \\'e0{\\f1 \\'e0}}", "àа", true);
+        fila("pagina desconocida", "{\\rtf1\\ansicpg99999 \\'f1}", "ñ", true);
+        fila("byte de 8 bits", "{\\rtf1 a\xf1o}", "año", true);
+        fila("hex cortado", "{\\rtf1 a\\'zb}", "azb", true);
+        fila("u negativo", "{\\rtf1 \\u-3913?}", "\uF0B7", true);
+        fila("alternativa palabra", "{\\rtf1 \\u8364\\bullet x}", "€x", true);
+        fila("uc dentro del grupo", "{\\rtf1 {\\uc2 \\u8364\\'80\\'80}\\u8364\\'80x}", "€€x", true);
+        fila("alternativa cortada por grupo", "{\\rtf1 {\\uc3\\u8364 a}bc}", "€bc", true);
+        fila("destino desconocido", "{\\rtf1 a{\\*\\nuevo oculto{x}}b}", "ab", true);
+        fila("destino conocido oculto", "{\\rtf1 {\\info{\\title T}{\\author Ana}}{\\stylesheet{\\s0 Normal;}}x}", "x",
+             true);
+        fila("simbolos escapados", "{\\rtf1 \\{x\\}\\\\}", "{x}\\", true);
+        fila("simbolos especiales", "{\\rtf1 a\\~b\\_c\\emdash\\lquote q\\rquote}", "a\u00A0b\u2011c—‘q’", true);
+        fila("campo muestra resultado", "{\\rtf1 {\\field{\\*\\fldinst HYPERLINK \"http://x\"}{\\fldrslt enlace}}}",
+             "enlace", true);
+        fila("upr usa ud", "{\\rtf1 {\\upr{a\\'3f}{\\*\\ud{a\\u8364 ?}}}}", "a€", true);
+        fila("bin no es texto", "{\\rtf1 a\\bin3 }{}b}", "ab", true);
+        fila("bin mas largo que el fichero", "{\\rtf1 a\\bin999 xyz", "a", false);
+        fila("saltos ignorados", "{\\rtf1 a\r\nb\nc}", "abc", true);
+        fila("barra y salto es parrafo", "{\\rtf1 a\\\nb}", "a\nb", true);
+        fila("parrafo vacio", "{\\rtf1 uno\\par\\par dos}", "uno\n\ndos", true);
+        fila("salto de linea", "{\\rtf1 uno\\line dos}", "uno\u2028dos", true);
+        fila("tabuladores", "{\\rtf1 a\\tab b\tc}", "a\tb\tc", true);
+        fila("truncado en hex", "{\\rtf1 ab\\'f", "ab", false);
+        fila("llave de mas", "{\\rtf1 a}b}", "a", false);
+        fila("blancos tras el cierre", QByteArray("{\\rtf1 a}\r\n\0", 12), "a", true);
+        fila("parametro enorme", "{\\rtf1\\fs99999999999999999999 a\\u99999999999 ?b}", "a?b", true);
+        fila("no es rtf: texto en 1252", "hola\r\na\xf1o\r\n", "hola\naño", false);
+        fila("vacio", QByteArray(), "", false);
     }
-    QCOMPARE(numero, int(ErrorEjecucion::ArchivoNoEncontrado));
-}
+    void texto()
+    {
+        QFETCH(QByteArray, rtf); QFETCH(QString, esperado); QFETCH(bool, completo);
+        const DocumentoRtf doc = LeerRtf(rtf);
+        QCOMPARE(doc.Texto(), esperado);
+        QCOMPARE(doc.completo, completo);
+    }
+
+    void formato_data()
+    {
+        QTest::addColumn<QByteArray>("rtf");
+        QTest::addColumn<QString>("tramos");
+        QTest::newRow("grupos restauran") << QByteArray("{\\rtf1 a{\\b b{\\i c}d}e}") << u"a|b[b]|c[bi]|d[b]|e"_qs;
+        QTest::newRow("plain restablece") << QByteArray("{\\rtf1\\b\\fs40\\cf2 a\\plain b}") << u"a[bfs40c2]|b"_qs;
+        QTest::newRow("subrayados") << QByteArray("{\\rtf1 \\ul a\\ulnone b\\uldb c\\ul0 d\\ulw e}")
+                                    << u"a[u]|b|c[u]|d|e[u]"_qs;
+        QTest::newRow("color del subrayado no subraya") << QByteArray("{\\rtf1 \\ulc2 a}") << u"a"_qs;
+        QTest::newRow("tachado y superindice") << QByteArray("{\\rtf1 \\strike a\\strike0\\super b\\nosupersub c}")
+                                               << u"a[s]|b[^]|c"_qs;
+        QTest::newRow("tamano y fuente") << QByteArray("{\\rtf1 \\f2\\fs36 a}") << u"a[fs36f2]"_qs;
+        QTest::newRow("fs0 no cambia") << QByteArray("{\\rtf1 \\fs0 a}") << u"a"_qs;
+        QTest::newRow("grupos vacios se unen") << QByteArray("{\\rtf1 a{}b{\\b}c}") << u"abc"_qs;
+        QTest::newRow("formato por parrafo") << QByteArray("{\\rtf1 \\i a\\par b}") << u"a[i]/b[i]"_qs;
+        QTest::newRow("fin de grupo en hex") << QByteArray("{\\rtf1 {\\b \\'e1}\\'e9}") << u"á[b]|é"_qs;
+    }
+    void formato()
+    {
+        QFETCH(QByteArray, rtf); QFETCH(QString, tramos);
+        QCOMPARE(Tramos(LeerRtf(rtf)), tramos);
+    }
+
+    void anidamientoProfundo_data()
+    {
+        QTest::addColumn<int>("grupos");
+        QTest::addColumn<bool>("cerrados");
+        QTest::newRow("dentro del limite") << LimiteGruposRtf - 2 << true;
+        QTest::newRow("cien mil cerrados") << 100000 << true;
+        QTest::newRow("cien mil abiertos") << 100000 << false;
+    }
+    void anidamientoProfundo()
+    {
+        QFETCH(int, grupos); QFETCH(bool, cerrados);
+        QByteArray rtf = "{\\rtf1 " + QByteArray(grupos, '{') + "\\b x";
+        if (cerrados)
+            rtf += QByteArray(grupos, '}') + "y}";
+        const DocumentoRtf doc = LeerRtf(rtf);
+        QCOMPARE(doc.completo, cerrados);
+        // Bold set in the innermost group ends with it, however deep the nesting was.
+        QCOMPARE(Tramos(doc), cerrados ? u"x[b]|y"_qs : u"x[b]"_qs);
+    }
+
+    void tablas()
+    {
+        const DocumentoRtf doc = LeerRtf(
+            "{\\rtf1\\ansi\\deff1{\\fonttbl{\\f0\\fswiss Arial{\\*\\falt Helvetica};}"
+            "{\\f1\\froman\\fcharset0 Times New Roman;}{\\f2 Se\\'f1al;}\\f3 Sin Llaves;}"
+            "{\\colortbl;\\red255\\green0\\blue0;;\\red0\\green0\\blue300;}x}");
+        QCOMPARE(doc.fuentePorOmision, 1);
+        const QMap<int, QString> fuentes{{0, u"Arial"_qs}, {1, u"Times New Roman"_qs},
+                                         {2, u"Señal"_qs}, {3, u"Sin Llaves"_qs}};
+        QCOMPARE(doc.fuentes, fuentes);
+        const QList<ColorRtf> colores{ColorRtf{}, ColorRtf{255, 0, 0, false}, ColorRtf{},
+                                      ColorRtf{0, 0, 255, false}};
+        QCOMPARE(doc.colores, colores);
+        QCOMPARE(doc.Texto(), u"x"_qs);
+    }
+
+    void parrafos()
+    {
+        const DocumentoRtf doc = LeerRtf(
+            "{\\rtf1 \\qc\\li720\\fi-360\\sb120\\sa240 uno\\par \\tqr\\tx2880\\tx4320 dos\\par\\pard tres}");
+        QCOMPARE(doc.parrafos.size(), 3);
+        const ParrafoRtf &uno = doc.parrafos[0];
+        QCOMPARE(uno.alineacion, AlineacionRtf::Centro);
+        QCOMPARE(uno.sangriaIzquierda, 720);
+        QCOMPARE(uno.sangriaPrimera, -360);
+        QCOMPARE(uno.espacioAntes, 120);
+        QCOMPARE(uno.espacioDespues, 240);
+        const QList<TabuladorRtf> tabs{{2880, TabuladorRtf::Derecho}, {4320, TabuladorRtf::Izquierdo}};
+        QCOMPARE(doc.parrafos[1].tabuladores, tabs);
+        QCOMPARE(doc.parrafos[1].alineacion, AlineacionRtf::Centro); // kept until \pard
+        QCOMPARE(doc.parrafos[2].alineacion, AlineacionRtf::Izquierda);
+        QVERIFY(doc.parrafos[2].tabuladores.isEmpty());
+    }
+
+    void tiraVersion_data()
+    {
+        QTest::addColumn<QString>("version");
+        QTest::addColumn<QStringList>("titulos");
+        QTest::addColumn<QString>("esperado");
+        QTest::addColumn<int>("dibujos");
+        const QString programa = u"Programa Nóminas  -  Versión "_qs;
+        QTest::newRow("tres partes") << u"2.1.34"_qs << QStringList{QString()} << programa + u"2.1.34"_qs << 1;
+        QTest::newRow("sin version") << QString() << QStringList{QString()} << programa + u"0.0.0"_qs << 1;
+        QTest::newRow("cuatro partes") << u"2.1.34.7"_qs << QStringList{QString()} << programa + u"2.1.34"_qs << 1;
+        QTest::newRow("el ultimo manda") << u"1.0"_qs << L({"Uno", "Dos"}) << u"Dos"_qs << 2;
+        QTest::newRow("vuelta a la version") << u"1.0"_qs << L({"Uno", ""}) << programa + u"1.0.0"_qs << 2;
+    }
+    // The strip shows the last title given, the program's name and version for none; each title
+    // is drawn once.
+    void tiraVersion()
+    {
+        QFETCH(QString, version); QFETCH(QStringList, titulos); QFETCH(QString, esperado);
+        QFETCH(int, dibujos);
+        QCoreApplication::setApplicationName(u"Nóminas"_qs);
+        QCoreApplication::setApplicationVersion(version);
+        MiniHelp v;
+        v.show();
+        QApplication::processEvents();
+        for (const QString &t : titulos)
+            v.TituloMiniWeb(t);
+        QWidget *tira = control(&v, "MiVersion");
+        QCOMPARE(tira->property("texto").toString(), esperado);
+        QCOMPARE(tira->property("dibujos").toInt(), dibujos);
+        QVERIFY(tira->isVisible());
+    }
+
+    void documentoDeFichero_data()
+    {
+        // A fragment of the word-processor file and how it must look in the document.
+        QTest::addColumn<QString>("fragmento");
+        QTest::addColumn<QString>("aspecto");
+        QTest::newRow("titulo") << u"Ayuda de Facturación"_qs << u"b 18 DejaVu Serif centro"_qs;
+        QTest::newRow("fuente por omision") << u"y pulse Intro."_qs << u"12 DejaVu Serif der"_qs;
+    }
+    void documentoDeFichero()
+    {
+        QFETCH(QString, fragmento); QFETCH(QString, aspecto);
+        QTextDocument doc;
+        QVERIFY(CargarRtf(Ruta("ayuda_formatos.rtf"), &doc));
+        QCOMPARE(doc.blockCount(), 8);
+        QCOMPARE(doc.findBlockByNumber(4).text(), u"Código\tDescripción\tImporte"_qs);
+        QCOMPARE(doc.findBlockByNumber(6).text(), u"Primera línea\u2028segunda línea del mismo párrafo."_qs);
+        const QTextCursor c = doc.find(fragmento);
+        QVERIFY(!c.isNull());
+        const QTextCharFormat f = c.charFormat();
+        QStringList visto;
+        if (f.fontWeight() == QFont::Bold) visto << u"b"_qs;
+        if (f.fontItalic()) visto << u"i"_qs;
+        if (f.fontUnderline()) visto << u"u"_qs;
+        if (f.foreground().style() != Qt::NoBrush) visto << f.foreground().color().name();
+        visto << QString::number(f.fontPointSize()) << f.fontFamilies().toStringList().join(u',');
+        const Qt::Alignment a = c.block().blockFormat().alignment() & Qt::AlignHorizontal_Mask;
+        visto << (a == Qt::AlignHCenter ? u"centro"_qs : a == Qt::AlignRight ? u"der"_qs : u"izq"_qs);
+        QCOMPARE(visto.join(u' '), aspecto);
+    }
+
+    void cargarAyuda_data()
+    {
+        QTest::addColumn<QByteArray>("contenido");
+        QTest::addColumn<QString>("primeraLinea");
+        QTest::addColumn<QString>("ultimaLinea");
+        const QByteArray rtf = leer(Ruta("ayuda_simbolos.rtf"));
+        const QString primera = u"¿Cómo se añade un cliente? ¡Muy fácil!"_qs;
+        QTest::newRow("fichero rtf") << rtf << primera << u"Letra pequeña y letra grande."_qs;
+        // A file cut right after the third paragraph shows the paragraphs before the cut.
+        QTest::newRow("fichero cortado") << rtf.left(rtf.indexOf("comillas")) << primera
+                                         << u"Moneda: 25 € — el guion largo y las «"_qs;
+        QTest::newRow("texto sin formato") << QByteArray("Línea uno\r\nLínea dos\r\n") << u"Línea uno"_qs
+                                           << u"Línea dos"_qs;
+    }
+    // The help text shows from its start.
+    void cargarAyuda()
+    {
+        QFETCH(QByteArray, contenido); QFETCH(QString, primeraLinea); QFETCH(QString, ultimaLinea);
+        QTemporaryDir dir;
+        const QString ruta = dir.filePath(u"AYUDA.RTF"_qs);
+        escribir(ruta, contenido);
+        MiniHelp v;
+        v.CargarAyuda(ruta);
+        auto *texto = control<QTextEdit>(&v, "TextoAyuda");
+        const QStringList lineas = texto->toPlainText().split(u'\n');
+        QCOMPARE(lineas.first(), primeraLinea);
+        QCOMPARE(lineas.last(), ultimaLinea);
+        QCOMPARE(texto->textCursor().position(), 0);
+    }
+
+    void cargarAyudaSinFichero()
+    {
+        MiniHelp v;
+        int numero = 0;
+        try {
+            v.CargarAyuda(u"/no/existe/AYUDA.RTF"_qs);
+        } catch (const ErrorEjecucion &e) {
+            numero = e.numero();
+        }
+        QCOMPARE(numero, int(ErrorEjecucion::ArchivoNoEncontrado));
+    }
+};
 
 QTEST_MAIN(TestMiniHelp)
 #include "tst_minihelp.moc"

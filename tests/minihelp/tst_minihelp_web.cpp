@@ -105,7 +105,6 @@ void TestMiniHelpWeb::pagina_data()
 {
     QTest::addColumn<bool>("mostrada");
     QTest::addColumn<int>("llamadas");
-    QTest::newRow("ventana a la vista") << true << 1;
     // The host's usual order: fill the window, then show it modally.
     QTest::newRow("antes de mostrarla, luego modal") << false << 1;
     QTest::newRow("segunda llamada no redibuja") << true << 2;
