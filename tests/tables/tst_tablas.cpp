@@ -1,17 +1,25 @@
-// Table files on real files in a temporary folder: what a save puts on disk byte for byte, what
-// a load puts in the grid, the overwrite question and the file-name prompt through the recorder,
-// and file errors that must leave the old file as it was.
+// Table files and the table editor, on real files in a temporary folder. The file routine: what a
+// save puts on disk byte for byte, what a load puts in the grid, the overwrite question and file
+// errors that must leave the old file as it was. The editor on screen, driven by real clicks and
+// keys: choosing a row, editing it, appending, saving (the file on disk checked after each save),
+// leaving with and without changes, the file-name prompt.
+#include <kvr/cajas.h>
+#include <kvr/campos.h>
 #include <kvr/error.h>
+#include <kvr/escala.h>
+#include <kvr/frmtablas.h>
 #include <kvr/mivisor.h>
-#include <kvr/rejilla.h>
 #include <kvr/tablas.h>
+#include <kvr/utilidades.h>
 
-#include "comun/ficheros.h"
+#include "comun/pruebas.h"
 #include "registro.h"
 
 #include <QDir>
+#include <QHeaderView>
+#include <QInputDialog>
+#include <QLineEdit>
 #include <QTemporaryDir>
-#include <QtTest>
 
 #include <csignal>
 #include <sys/resource.h>
@@ -20,6 +28,8 @@ using namespace kvr;
 using namespace prueba;
 
 namespace {
+
+const QByteArray provincias("ALAVA\r\nALBACETE\r\nALICANTE\r\nALMERIA\r\n");
 
 // A one-column table grid as the editor has it: titles in row 0, elements from row 1.
 void llenar(Rejilla &g, const QStringList &elementos)
@@ -30,7 +40,7 @@ void llenar(Rejilla &g, const QStringList &elementos)
         PonerCelda(g, i + 1, 0, elementos[i]);
 }
 
-QStringList filas(const Rejilla &g)
+QStringList elementos(const Rejilla &g)
 {
     QStringList r;
     for (int f = 1; f < g.Rows(); ++f)
@@ -43,21 +53,44 @@ QStringList filas(const Rejilla &g)
 class TstTablas : public QObject {
     Q_OBJECT
     QTemporaryDir m_dir;
+    QString m_tabla;
+    QPointer<frmTablas> m_t;
+
     QString ruta(const QString &nombre) const { return m_dir.filePath(nombre); }
+    // A table editor on the sample file, shown and active.
+    void abrir(const QString &fichero, bool cargar = true, const QString &tag = u"T(M) L(15) A(I)"_qs)
+    {
+        m_t = new frmTablas;
+        m_t->Dimensionar(nullptr, fichero, u"Provincia#25"_qs, tag, cargar);
+        QVERIFY(mostrarActiva(m_t));
+    }
+    QLineEdit *elemento() { return control<QLineEdit>(m_t, "Elemento"); }
+    void clicFila(int fila) { clicCelda(m_t->VisorTabla(), fila - 1, 0); }
+    void clic(const char *boton) { pulsar(control(m_t, boton)); }
 
 private Q_SLOTS:
-    void initTestCase() { QVERIFY(m_dir.isValid()); }
+    void initTestCase()
+    {
+        QVERIFY(m_dir.isValid());
+        m_tabla = ruta(u"provincias.txt"_qs);
+    }
+    void init()
+    {
+        FactorX = FactorY = 0.0f;
+        QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
+        escribir(m_tabla, provincias);
+    }
+    void cleanup()
+    {
+        delete m_t; // a window that did not close by itself
+    }
 
     void grabar_data()
     {
         QTest::addColumn<QStringList>("elementos");
         QTest::addColumn<QByteArray>("disco");
-        QTest::newRow("huecos en 3 y 5 se cierran")
-            << QStringList{u"ALAVA"_qs, u"ALBACETE"_qs, QString(), u"ALICANTE"_qs, QString(), u"ALMERIA"_qs}
-            << QByteArray("ALAVA\r\nALBACETE\r\nALICANTE\r\nALMERIA\r\n");
-        QTest::newRow("solo blancos fuera, blancos alrededor se quedan")
-            << QStringList{u"   "_qs, u" A "_qs, u" "_qs}
-            << QByteArray(" A \r\n");
+        QTest::newRow("vacíos y solo blancos fuera, blancos alrededor se quedan")
+            << QStringList{u"ALAVA"_qs, QString(), u"   "_qs, u" A "_qs, QString()} << QByteArray("ALAVA\r\n A \r\n");
         QTest::newRow("un tabulador no es un blanco") << QStringList{u"\t"_qs} << QByteArray("\t\r\n");
         QTest::newRow("acentos, eñe y euro en UTF-8")
             << QStringList{u"CÁCERES"_qs, u"A CORUÑA"_qs, u"5 €"_qs}
@@ -67,18 +100,13 @@ private Q_SLOTS:
     }
     void grabar()
     {
-        QFETCH(QStringList, elementos); QFETCH(QByteArray, disco);
-        ServiciosGrabados s;
+        QFETCH(QStringList, elementos);
+        QFETCH(QByteArray, disco);
         Rejilla g;
         llenar(g, elementos);
         QString fichero = ruta(u"grabar.txt"_qs);
-        QFile::remove(fichero);
         FicheroTabla(u"REGRABAR"_qs, fichero, g);
         QCOMPARE(leer(fichero), disco);
-        QVERIFY(s.mensajes.isEmpty());
-        // The title row is never written and the grid is left as it was.
-        QCOMPARE(g.TextMatrix(0, 0), u"Provincia"_qs);
-        QCOMPARE(filas(g).mid(0, elementos.size()), elementos);
     }
 
     void cargar_data()
@@ -98,23 +126,21 @@ private Q_SLOTS:
         QTest::newRow("marca de orden del fichero fuera, la del texto se queda")
             << QByteArray("\xef\xbb\xbf\xef\xbb\xbf" "A\r\n\xef\xbb\xbf" "B\r\n") << QStringList{}
             << QStringList{QString(QChar(0xFEFF)) + u"A"_qs, QString(QChar(0xFEFF)) + u"B"_qs};
-        QTest::newRow("fichero que no existe") << QByteArray("<ninguno>") << cinco << QStringList(5);
+        QTest::newRow("fichero que no existe") << QByteArray() << cinco << QStringList(5);
     }
     void cargar()
     {
-        QFETCH(QByteArray, disco); QFETCH(QStringList, antes); QFETCH(QStringList, despues);
-        ServiciosGrabados s;
+        QFETCH(QByteArray, disco);
+        QFETCH(QStringList, antes);
+        QFETCH(QStringList, despues);
         Rejilla g;
         llenar(g, antes);
         QString fichero = ruta(u"cargar.txt"_qs);
         QFile::remove(fichero);
-        if (disco != "<ninguno>")
+        if (!disco.isEmpty())
             escribir(fichero, disco);
         FicheroTabla(u"CARGAR"_qs, fichero, g);
-        QCOMPARE(filas(g), despues);
-        QCOMPARE(QFile::exists(fichero), disco != "<ninguno>");
-        QCOMPARE(g.TextMatrix(0, 0), u"Provincia"_qs);
-        QVERIFY(s.mensajes.isEmpty());
+        QCOMPARE(elementos(g), despues);
     }
 
     // A grid whose column 0 is fixed still gets the old elements cleared.
@@ -128,50 +154,48 @@ private Q_SLOTS:
         QString fichero = ruta(u"fija.txt"_qs);
         escribir(fichero, "nuevo\r\n");
         FicheroTabla(u"CARGAR"_qs, fichero, g);
-        QCOMPARE(filas(g), (QStringList{u"nuevo"_qs, QString(), QString()}));
+        QCOMPARE(elementos(g), (QStringList{u"nuevo"_qs, QString(), QString()}));
     }
 
+    // Only GRABAR over an existing file asks; the answer decides whether the old file is kept.
     void sobreescribir_data()
     {
         QTest::addColumn<QString>("operacion");
         QTest::addColumn<bool>("existe");
         QTest::addColumn<int>("respuesta");
-        QTest::addColumn<int>("preguntas");
-        QTest::addColumn<bool>("escrito");
-        QTest::newRow("GRABAR existente, Aceptar") << u"GRABAR"_qs << true << int(RespAceptar) << 1 << true;
-        QTest::newRow("GRABAR existente, Cancelar") << u"GRABAR"_qs << true << int(RespCancelar) << 1 << false;
-        QTest::newRow("GRABAR nuevo no pregunta") << u"GRABAR"_qs << false << int(RespCancelar) << 0 << true;
-        QTest::newRow("REGRABAR existente no pregunta") << u"REGRABAR"_qs << true << int(RespCancelar) << 0 << true;
-        QTest::newRow("operación desconocida") << u"BORRAR"_qs << true << int(RespAceptar) << 0 << false;
+        QTest::addColumn<QString>("visto");
+        QTest::newRow("GRABAR existente, Aceptar") << u"GRABAR"_qs << true << int(RespAceptar)
+                                                   << u"pregunta, NUEVO\r\n"_qs;
+        QTest::newRow("GRABAR existente, Cancelar") << u"GRABAR"_qs << true << int(RespCancelar)
+                                                    << u"pregunta, VIEJO\r\n"_qs;
+        QTest::newRow("GRABAR nuevo no pregunta") << u"GRABAR"_qs << false << int(RespCancelar) << u"NUEVO\r\n"_qs;
+        QTest::newRow("REGRABAR existente no pregunta") << u"REGRABAR"_qs << true << int(RespCancelar)
+                                                        << u"NUEVO\r\n"_qs;
+        QTest::newRow("operación desconocida") << u"BORRAR"_qs << true << int(RespAceptar) << u"VIEJO\r\n"_qs;
     }
     void sobreescribir()
     {
-        QFETCH(QString, operacion); QFETCH(bool, existe); QFETCH(int, respuesta);
-        QFETCH(int, preguntas); QFETCH(bool, escrito);
+        QFETCH(QString, operacion);
+        QFETCH(bool, existe);
+        QFETCH(int, respuesta);
+        QFETCH(QString, visto);
         ServiciosGrabados s;
         s.respuesta = respuesta;
         const QString fichero = ruta(u"sobre.txt"_qs);
         QFile::remove(fichero);
-        const QByteArray viejo("VIEJO\r\nCON\xe1" "CENTO\r\n"); // an older program's file
         if (existe)
-            escribir(fichero, viejo);
+            escribir(fichero, "VIEJO\r\n");
         Rejilla g;
         llenar(g, {u"NUEVO"_qs});
         QString f = fichero;
         FicheroTabla(operacion, f, g);
-        QCOMPARE(s.mensajes.size(), preguntas);
-        if (preguntas) {
-            QCOMPARE(s.mensajes[0].texto, u"Fichero "_qs + fichero + u" existe en disco. Se Sobreescribirá."_qs);
-            QCOMPARE(s.mensajes[0].botones, 49);
-            QCOMPARE(s.mensajes[0].titulo, QString());
+        QString preguntas;
+        for (const MensajeGrabado &m : s.mensajes) {
+            QCOMPARE(m.texto, u"Fichero "_qs + fichero + u" existe en disco. Se Sobreescribirá."_qs);
+            QCOMPARE(m.botones, 49);
+            preguntas += u"pregunta, "_qs;
         }
-        if (escrito)
-            QCOMPARE(leer(fichero), QByteArray("NUEVO\r\n"));
-        else if (existe)
-            QCOMPARE(leer(fichero), viejo);
-        else
-            QVERIFY(!QFile::exists(fichero));
-        QCOMPARE(f, fichero);
+        QCOMPARE(preguntas + QString::fromUtf8(leer(fichero)), visto);
         QVERIFY(s.entradas.isEmpty());
     }
 
@@ -186,10 +210,10 @@ private Q_SLOTS:
     }
     void errores()
     {
-        QFETCH(QString, operacion); QFETCH(QString, nombre); QFETCH(int, numero);
+        QFETCH(QString, operacion);
+        QFETCH(QString, nombre);
+        QFETCH(int, numero);
         QDir(m_dir.path()).mkpath(u"carpeta"_qs);
-        escribir(ruta(u"viejo.txt"_qs), "VIEJO\r\n");
-        ServiciosGrabados s;
         Rejilla g;
         llenar(g, {u"NUEVO"_qs});
         QString fichero = ruta(nombre);
@@ -203,7 +227,6 @@ private Q_SLOTS:
         }
         QCOMPARE(visto, numero);
         QVERIFY2(descripcion.contains(fichero), qPrintable(descripcion));
-        QCOMPARE(leer(ruta(u"viejo.txt"_qs)), QByteArray("VIEJO\r\n"));
         QVERIFY(QFileInfo(ruta(u"carpeta"_qs)).isDir());
         QVERIFY(!QFile::exists(ruta(u"falta"_qs)));
     }
@@ -240,7 +263,240 @@ private Q_SLOTS:
         QCOMPARE(leer(fichero), QByteArray("ANTES\r\n"));
         QCOMPARE(QDir(carpeta).entryList(QDir::Files), QStringList{u"tabla.txt"_qs});
     }
+
+    void dimensionar_data()
+    {
+        QTest::addColumn<QString>("titulo");
+        QTest::addColumn<int>("anchoVisorTwips");
+        QTest::newRow("25 caracteres") << u"Provincia#25"_qs << 25 * 120 + 320;
+        // Too narrow for the three buttons: the grid keeps them apart.
+        QTest::newRow("2 caracteres: ancho mínimo") << u"Sí#2"_qs << -1;
+    }
+    void dimensionar()
+    {
+        QFETCH(QString, titulo);
+        QFETCH(int, anchoVisorTwips);
+        QWidget anfitrion;
+        anfitrion.setGeometry(130, 90, 500, 400);
+        anfitrion.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&anfitrion));
+        m_t = new frmTablas;
+        const int alto = m_t->height();
+        m_t->Dimensionar(&anfitrion, m_tabla, titulo);
+        QCOMPARE(m_t->windowTitle(), u"Edición de Tablas"_qs);
+        QCOMPARE(TagDe(m_t), m_tabla);
+        QCOMPARE(elementos(m_t->VisorTabla()->rejilla()).join(u','), u"ALAVA,ALBACETE,ALICANTE,ALMERIA"_qs);
+        QVERIFY(!m_t->Modificado());
+        QCOMPARE(TagDe(elemento()), u"T(M) L(15) A(I)"_qs);
+        QCOMPARE(m_t->pos(), anfitrion.pos());
+        QCOMPARE(m_t->height(), alto);
+        // The grid is as wide as its column (titles in twips, 120 a character, and its margin),
+        // never so narrow that the buttons below it overlap.
+        VisorRejilla *v = m_t->VisorTabla();
+        if (anchoVisorTwips > 0)
+            QCOMPARE(v->width(), v->pixeles(anchoVisorTwips));
+        QVERIFY(control(m_t, "cmdAceptar")->geometry().right() < control(m_t, "cmdGrabar")->x());
+        QVERIFY(control(m_t, "cmdGrabar")->geometry().right() < control(m_t, "cmdSalir")->x());
+        for (const char *n : {"VisorTabla", "Elemento", "Marco", "cmdAceptar", "cmdGrabar", "cmdSalir"})
+            QVERIFY2(m_t->rect().contains(control(m_t, n)->geometry()), n);
+    }
+
+    // Choosing row 3 puts it in the field without marking the table; the first key does.
+    void elegirEditarYGrabar()
+    {
+        abrir(m_tabla);
+        clicFila(3);
+        QCOMPARE(elemento()->text(), u"ALICANTE"_qs);
+        QCOMPARE(m_t->FilaEditada(), 3);
+        QCOMPARE(nombreDelFoco(), u"Elemento"_qs);
+        QVERIFY(!m_t->Modificado());
+        QCOMPARE(elemento()->selectedText(), u"ALICANTE"_qs); // the field selects all on entry
+        QTest::keyClicks(elemento(), u"asturias"_qs);
+        QVERIFY(m_t->Modificado());
+        clic("cmdAceptar");
+        QCOMPARE(elemento()->text(), QString());
+        QCOMPARE(m_t->FilaEditada(), 0);
+        QCOMPARE(nombreDelFoco(), u"Elemento"_qs);
+        // With no row chosen the field's text is appended.
+        QTest::keyClicks(elemento(), u"avila"_qs);
+        clic("cmdAceptar");
+        ServiciosGrabados s; // a question would be recorded here
+        clic("cmdGrabar");
+        QVERIFY(s.mensajes.isEmpty());
+        QVERIFY(!m_t->Modificado());
+        QCOMPARE(leer(m_tabla), QByteArray("ALAVA\r\nALBACETE\r\nASTURIAS\r\nALMERIA\r\nAVILA\r\n"));
+        // Salir on a clean table closes without a box (one answered "Cancelar" would keep it open).
+        responder(u"Cancelar"_qs);
+        clic("cmdSalir");
+        QTRY_VERIFY(!m_t);
+    }
+
+    // A click below the last row chooses nothing.
+    void clicSinEleccion()
+    {
+        abrir(m_tabla);
+        VisorRejilla *v = m_t->VisorTabla();
+        QTest::mouseClick(v->viewport(), Qt::LeftButton, {}, QPoint(20, v->viewport()->height() - 3));
+        QCOMPARE(m_t->FilaEditada(), 0);
+        QCOMPARE(elemento()->text(), QString());
+    }
+
+    // The field switches a chosen amount to its editing form and back: that is not editing.
+    void elegirNoMarca()
+    {
+        escribir(m_tabla, "1.234,50\r\n");
+        abrir(m_tabla, true, u"T(n) L(10) D(2) A(D)"_qs);
+        clicFila(1);
+        QCOMPARE(elemento()->text(), u"1234.50"_qs);
+        QVERIFY(!m_t->Modificado());
+        // Stored back unchanged, in the form the field shows once it is left.
+        clic("cmdAceptar");
+        clic("cmdGrabar");
+        QCOMPARE(leer(m_tabla), QByteArray("1.234,50\r\n"));
+    }
+
+    // Choosing a row whose text the field already holds must not swallow the next key.
+    void elegirMismoTexto()
+    {
+        abrir(m_tabla);
+        clicFila(2);
+        clic("cmdAceptar"); // stores the same text back: the table is marked
+        clic("cmdGrabar");
+        QVERIFY(!m_t->Modificado());
+        clicFila(2);
+        // Chosen again by Enter on the grid (for the keyboard), with the same text.
+        QTest::keyClick(m_t->VisorTabla(), Qt::Key_Return);
+        QCOMPARE(m_t->FilaEditada(), 2);
+        QCOMPARE(nombreDelFoco(), u"Elemento"_qs);
+        QTest::keyClicks(elemento(), u"x"_qs);
+        QVERIFY(m_t->Modificado());
+    }
+
+    // With changes, Salir asks in a box centred over the editor; only "Aceptar" leaves.
+    void salir_data()
+    {
+        QTest::addColumn<QString>("boton");
+        QTest::addColumn<bool>("cerrada");
+        QTest::newRow("Aceptar sale sin grabar") << u"Boton(1)"_qs << true;
+        QTest::newRow("Escape se queda") << QString() << false;
+    }
+    void salir()
+    {
+        QFETCH(QString, boton);
+        QFETCH(bool, cerrada);
+        abrir(m_tabla);
+        clicFila(1);
+        QTest::keyClicks(elemento(), u"arab"_qs);
+        QString mensaje;
+        int desvio = -1;
+        alAbrirse([&](QWidget *caja) {
+            mensaje = control<QLabel>(caja, "Mensaje")->text();
+            desvio = (caja->frameGeometry().center() - m_t->frameGeometry().center()).manhattanLength();
+            if (boton.isEmpty())
+                QTest::keyClick(caja, Qt::Key_Escape);
+            else
+                QTest::mouseClick(control<QPushButton>(caja, boton), Qt::LeftButton);
+        });
+        clic("cmdSalir");
+        QCOMPARE(mensaje, TextoMensaje(u"Datos han sido modificados.;;¿ Desea salir sin grabar ?"_qs));
+        QVERIFY2(desvio >= 0 && desvio <= 4, qPrintable(QString::number(desvio)));
+        if (cerrada) {
+            QTRY_VERIFY(!m_t);
+        } else {
+            QCoreApplication::processEvents();
+            QVERIFY(m_t && m_t->isVisible());
+            QVERIFY(m_t->Modificado());
+            QCOMPARE(elemento()->text(), u"ARAB"_qs); // the pending edit is still there
+        }
+        QCOMPARE(leer(m_tabla), provincias);
+    }
+
+    // Closing from the title bar asks the same question when there are changes.
+    void cerrarVentana()
+    {
+        abrir(m_tabla);
+        DevolverFoco(elemento());
+        QTest::keyClicks(elemento(), u"b"_qs);
+        QString mensaje;
+        responder(u"Cancelar"_qs, &mensaje);
+        QVERIFY(!m_t->close());
+        QVERIFY(!mensaje.isEmpty());
+        responder(u"Aceptar"_qs);
+        QVERIFY(m_t->close());
+        QTRY_VERIFY(!m_t);
+    }
+
+    // Without a file name the load asks once and "Grabar" every time; no answer is kept.
+    void sinNombre()
+    {
+        ServiciosGrabados s;
+        s.aceptarEntrada = true;
+        s.respuestaEntrada = m_tabla;
+        abrir(QString(), true);
+        QCOMPARE(s.entradas.size(), 1);
+        QCOMPARE(s.entradas[0].pregunta, u"Path y Nombre del fichero a CARGAR"_qs);
+        QCOMPARE(elementos(m_t->VisorTabla()->rejilla()).size(), 4);
+        s.respuestaEntrada = ruta(u"nueva.txt"_qs);
+        m_t->VisorTabla()->rejilla().PonerRows(2);
+        PonerCelda(m_t->VisorTabla()->rejilla(), 1, 0, QString());
+        DevolverFoco(elemento());
+        QTest::keyClicks(elemento(), u"soria"_qs);
+        clic("cmdAceptar");
+        clic("cmdGrabar");
+        clic("cmdGrabar");
+        QCOMPARE(s.entradas.size(), 3);
+        QCOMPARE(s.entradas[2].pregunta, u"Path y Nombre del fichero a REGRABAR"_qs);
+        // At the grid's corner on the screen.
+        const QPoint esquina = m_t->VisorTabla()->mapToGlobal(QPoint(0, 0));
+        QCOMPARE(s.entradas[2].xTwips, int(std::lround(esquina.x() * 1440.0 / m_t->logicalDpiX())));
+        QCOMPARE(s.entradas[2].yTwips, int(std::lround(esquina.y() * 1440.0 / m_t->logicalDpiY())));
+        QCOMPARE(TagDe(m_t), QString());
+        QCOMPARE(leer(s.respuestaEntrada), QByteArray("SORIA\r\n"));
+        // Cancelled: nothing written, and the mark is cleared all the same.
+        QTest::keyClicks(elemento(), u"teruel"_qs);
+        clic("cmdAceptar");
+        s.aceptarEntrada = false;
+        clic("cmdGrabar");
+        QCOMPARE(s.entradas.size(), 4);
+        QVERIFY(!m_t->Modificado());
+        QCOMPARE(leer(s.respuestaEntrada), QByteArray("SORIA\r\n"));
+        QVERIFY(s.mensajes.isEmpty());
+    }
+
+    // The desktop's own input box, as a host without a recorder gets it: Spanish buttons, the
+    // question, at the grid's corner; the name typed there is where the table goes.
+    void cajaDeEntradaReal()
+    {
+        abrir(QString(), false);
+        DevolverFoco(elemento());
+        QTest::keyClicks(elemento(), u"zamora"_qs);
+        clic("cmdAceptar");
+        const QString destino = ruta(u"real.txt"_qs);
+        QString visto;
+        QPoint esquina;
+        QTimer::singleShot(0, qApp, [&] {
+            auto *caja = qobject_cast<QInputDialog *>(QApplication::activeModalWidget());
+            if (!caja || !QTest::qWaitForWindowExposed(caja))
+                return;
+            QStringList botones;
+            for (auto *b : caja->findChildren<QPushButton *>())
+                botones.append(b->text());
+            botones.sort();
+            visto = caja->windowTitle() + u" | "_qs + caja->labelText() + u" | "_qs + botones.join(u',');
+            esquina = caja->pos();
+            auto *campo = caja->findChild<QLineEdit *>();
+            campo->setFocus();
+            QTest::keyClicks(campo, destino);
+            for (auto *b : caja->findChildren<QPushButton *>())
+                if (b->text() == u"Aceptar")
+                    QTest::mouseClick(b, Qt::LeftButton);
+        });
+        clic("cmdGrabar");
+        QCOMPARE(visto, u"Editor de Tablas de PQD | Path y Nombre del fichero a REGRABAR | Aceptar,Cancelar"_qs);
+        QCOMPARE(esquina, m_t->VisorTabla()->mapToGlobal(QPoint(0, 0)));
+        QCOMPARE(leer(destino), QByteArray("ZAMORA\r\n"));
+    }
 };
 
-QTEST_GUILESS_MAIN(TstTablas)
+QTEST_MAIN(TstTablas)
 #include "tst_tablas.moc"
