@@ -49,7 +49,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("clave");
         QTest::addColumn<QString>("esperado");
         QTest::newRow("blancos y mayúsculas") << u"general"_qs << u"USUARIO"_qs << u"Pepe Pérez"_qs;
-        QTest::newRow("la primera sección gana") << u"General"_qs << u"usuario"_qs << u"Pepe Pérez"_qs;
         QTest::newRow("sangría") << u"GENERAL"_qs << u"ruta"_qs << u"C:\\DATOS"_qs;
         QTest::newRow("vacía no es la omisión") << u"General"_qs << u"vacía"_qs << QString();
         QTest::newRow("comillas") << u"General"_qs << u"Comillas"_qs << u"  hola  "_qs;
@@ -76,58 +75,74 @@ private Q_SLOTS:
         QCOMPARE(LeerIni(m_dir.filePath(u"no existe.ini"_qs), u"a"_qs, u"b"_qs, u"x"_qs), u"x"_qs);
     }
 
-    // Each change against the bytes it must leave: only its own line differs.
+    // Each write or delete against the bytes it must leave: only its own lines differ. A null
+    // value deletes (the whole section when the key is null too); a refused change (error) leaves
+    // the file as it was.
     void cambiar_data()
     {
         QTest::addColumn<QByteArray>("antes");
-        QTest::addColumn<std::function<void(const QString &)>>("cambio");
+        QTest::addColumn<QString>("seccion");
+        QTest::addColumn<QString>("clave");
+        QTest::addColumn<QString>("valor");
         QTest::addColumn<QByteArray>("despues");
-        using F = std::function<void(const QString &)>;
-        QTest::newRow("valor de una clave") << kViejo
-            << F([](const QString &f) { GrabarIni(f, u"general"_qs, u"USUARIO"_qs, u"Ana Núñez"_qs); })
-            << cambiado(kViejo, "Usuario = Pepe P\xe9rez \r\n", "Usuario = Ana N\xfa\xf1" "ez\r\n");
-        QTest::newRow("clave nueva tras la última de su sección") << kViejo
-            << F([](const QString &f) { GrabarIni(f, u"General"_qs, u"Nueva"_qs, u"1"_qs); })
-            << cambiado(kViejo, "hola  \"\r\n", "hola  \"\r\nNueva=1\r\n");
-        QTest::newRow("clave nueva tras una última línea sin fin") << kViejo
-            << F([](const QString &f) { GrabarIni(f, u"año 2026"_qs, u"Otra"_qs, u"x"_qs); })
-            << kViejo + "\r\nOtra=x\r\n";
-        QTest::newRow("sección nueva") << kViejo
-            << F([](const QString &f) { GrabarIni(f, u"Nueva"_qs, u"k"_qs, u"v"_qs); })
-            << kViejo + "\r\n\r\n[Nueva]\r\nk=v\r\n";
-        QTest::newRow("carácter que Windows-1252 no tiene") << kViejo
-            << F([](const QString &f) { GrabarIni(f, u"General"_qs, u"Ruta"_qs, u"Łódź"_qs); })
-            << cambiado(kViejo, "Ruta=C:\\DATOS", "Ruta=?\xf3" "d?");
-        QTest::newRow("borrar clave") << kViejo
-            << F([](const QString &f) { BorrarIni(f, u"GENERAL"_qs, u"ruta"_qs); })
-            << cambiado(kViejo, "  Ruta=C:\\DATOS\r\n", "");
-        QTest::newRow("borrar clave que falta") << kViejo
-            << F([](const QString &f) { BorrarIni(f, u"General"_qs, u"Falta"_qs); }) << kViejo;
-        QTest::newRow("borrar sección y su línea en blanco") << kViejo
-            << F([](const QString &f) { BorrarIni(f, u"general"_qs); })
-            << kViejo.mid(kViejo.indexOf("[general]")).prepend("; Notas de la aplicaci\xf3n\r\n");
-        QTest::newRow("borrar la última sección") << kViejo
-            << F([](const QString &f) { BorrarIni(f, u"Año 2026"_qs); })
-            << kViejo.left(kViejo.indexOf("[A\xf1o"));
-        QTest::newRow("fichero nuevo en Windows-1252") << QByteArray()
-            << F([](const QString &f) { GrabarIni(f, u"Notas"_qs, u"Día"_qs, u"café"_qs); })
-            << QByteArray("[Notas]\r\nD\xed" "a=caf\xe9\r\n");
-        QTest::newRow("fichero nuevo en UTF-8 si hace falta") << QByteArray()
-            << F([](const QString &f) { GrabarIni(f, u"Notas"_qs, u"k"_qs, u"Łódź"_qs); })
-            << QByteArray("[Notas]\r\nk=\xc5\x81\xc3\xb3" "d\xc5\xba\r\n");
-        QTest::newRow("UTF-8 sigue en UTF-8 y LF") << QByteArray("[S]\nk=a\xc3\xb1o\n")
-            << F([](const QString &f) { GrabarIni(f, u"S"_qs, u"j"_qs, u"é"_qs); })
-            << QByteArray("[S]\nk=a\xc3\xb1o\nj=\xc3\xa9\n");
+        QTest::addColumn<int>("error");
+        const QByteArray &V = kViejo;
+        const QString borrar;
+        QTest::newRow("valor de una clave") << V << u"general"_qs << u"USUARIO"_qs << u"Ana Núñez"_qs
+            << cambiado(V, "Usuario = Pepe P\xe9rez \r\n", "Usuario = Ana N\xfa\xf1" "ez\r\n") << 0;
+        QTest::newRow("clave nueva tras la última de su sección") << V << u"General"_qs << u"Nueva"_qs << u"1"_qs
+            << cambiado(V, "hola  \"\r\n", "hola  \"\r\nNueva=1\r\n") << 0;
+        QTest::newRow("clave nueva tras una última línea sin fin") << V << u"año 2026"_qs << u"Otra"_qs << u"x"_qs
+            << V + "\r\nOtra=x\r\n" << 0;
+        QTest::newRow("sección nueva") << V << u"Nueva"_qs << u"k"_qs << u"v"_qs
+            << V + "\r\n\r\n[Nueva]\r\nk=v\r\n" << 0;
+        QTest::newRow("carácter que Windows-1252 no tiene") << V << u"General"_qs << u"Ruta"_qs << u"Łódź"_qs
+            << cambiado(V, "Ruta=C:\\DATOS", "Ruta=?\xf3" "d?") << 0;
+        QTest::newRow("borrar clave") << V << u"GENERAL"_qs << u"ruta"_qs << borrar
+            << cambiado(V, "  Ruta=C:\\DATOS\r\n", "") << 0;
+        QTest::newRow("borrar clave que falta") << V << u"General"_qs << u"Falta"_qs << borrar << V << 0;
+        QTest::newRow("borrar sección y su línea en blanco") << V << u"general"_qs << borrar << borrar
+            << V.mid(V.indexOf("[general]")).prepend("; Notas de la aplicaci\xf3n\r\n") << 0;
+        QTest::newRow("borrar la última sección") << V << u"Año 2026"_qs << borrar << borrar
+            << V.left(V.indexOf("[A\xf1o")) << 0;
+        QTest::newRow("fichero nuevo en Windows-1252") << QByteArray() << u"Notas"_qs << u"Día"_qs << u"café"_qs
+            << QByteArray("[Notas]\r\nD\xed" "a=caf\xe9\r\n") << 0;
+        QTest::newRow("fichero nuevo en UTF-8 si hace falta") << QByteArray() << u"Notas"_qs << u"k"_qs << u"Łódź"_qs
+            << QByteArray("[Notas]\r\nk=\xc5\x81\xc3\xb3" "d\xc5\xba\r\n") << 0;
+        QTest::newRow("UTF-8 sigue en UTF-8 y LF") << QByteArray("[S]\nk=a\xc3\xb1o\n") << u"S"_qs << u"j"_qs
+            << u"é"_qs << QByteArray("[S]\nk=a\xc3\xb1o\nj=\xc3\xa9\n") << 0;
+        // Found by the fuzzer: a mark at the start of a key is part of its name, not dropped.
+        QTest::newRow("marca al principio de una clave") << QByteArray("[S]\r\n\xEF\xBB\xBFk=1\r\n") << u"S"_qs
+            << u"\uFEFFk"_qs << u"2"_qs << QByteArray("[S]\r\n\xEF\xBB\xBFk=2\r\n") << 0;
+        QTest::newRow("sección con corchete") << V << u"a]b"_qs << u"k"_qs << u"v"_qs << V << 5;
+        QTest::newRow("clave con igual") << V << u"s"_qs << u"k=1"_qs << u"v"_qs << V << 5;
+        QTest::newRow("valor con salto") << V << u"s"_qs << u"k"_qs << u"v\r\nw=1"_qs << V << 5;
+        QTest::newRow("clave que sería comentario") << V << u"s"_qs << u";k"_qs << u"v"_qs << V << 5;
+        QTest::newRow("nombre que Windows-1252 no tiene") << V << u"Łódź"_qs << u"k"_qs << u"v"_qs << V << 5;
+        QTest::newRow("el fichero es una carpeta") << V << u"s"_qs << u"k"_qs << u"v"_qs << V << 75;
     }
     void cambiar()
     {
         QFETCH(QByteArray, antes);
-        QFETCH(std::function<void(const QString &)>, cambio);
+        QFETCH(QString, seccion);
+        QFETCH(QString, clave);
+        QFETCH(QString, valor);
         QFETCH(QByteArray, despues);
+        QFETCH(int, error);
         QFile::remove(fichero());
         if (!antes.isEmpty())
             prueba::escribir(fichero(), antes);
-        cambio(fichero());
+        const QString f = error == 75 ? m_dir.path() : fichero(); // 75: the file is a folder
+        int hubo = 0;
+        try {
+            if (valor.isNull())
+                BorrarIni(f, seccion, clave);
+            else
+                GrabarIni(f, seccion, clave, valor);
+        } catch (const ErrorEjecucion &e) {
+            hubo = e.numero();
+        }
+        QCOMPARE(hubo, error);
         QCOMPARE(prueba::leer(fichero()), despues);
     }
 
@@ -139,38 +154,6 @@ private Q_SLOTS:
             QCOMPARE(FicheroNotas(), m_dir.path() + u"/Notas.INI"_qs);
         }
         qunsetenv("TLF");
-    }
-
-    void errores_data()
-    {
-        QTest::addColumn<QString>("seccion");
-        QTest::addColumn<QString>("clave");
-        QTest::addColumn<QString>("valor");
-        QTest::addColumn<bool>("carpeta");
-        QTest::addColumn<int>("numero");
-        QTest::newRow("sección con corchete") << u"a]b"_qs << u"k"_qs << u"v"_qs << false << 5;
-        QTest::newRow("clave con igual") << u"s"_qs << u"k=1"_qs << u"v"_qs << false << 5;
-        QTest::newRow("valor con salto") << u"s"_qs << u"k"_qs << u"v\r\nw=1"_qs << false << 5;
-        QTest::newRow("clave que sería comentario") << u"s"_qs << u";k"_qs << u"v"_qs << false << 5;
-        QTest::newRow("nombre que Windows-1252 no tiene") << u"Łódź"_qs << u"k"_qs << u"v"_qs << false << 5;
-        QTest::newRow("el fichero es una carpeta") << u"s"_qs << u"k"_qs << u"v"_qs << true << 75;
-    }
-    void errores()
-    {
-        QFETCH(QString, seccion);
-        QFETCH(QString, clave);
-        QFETCH(QString, valor);
-        QFETCH(bool, carpeta);
-        QFETCH(int, numero);
-        const QString f = carpeta ? m_dir.path() : fichero();
-        prueba::escribir(fichero(), kViejo);
-        try {
-            GrabarIni(f, seccion, clave, valor);
-            QFAIL("no error");
-        } catch (const ErrorEjecucion &e) {
-            QCOMPARE(e.numero(), numero);
-        }
-        QCOMPARE(prueba::leer(fichero()), kViejo);
     }
 };
 
