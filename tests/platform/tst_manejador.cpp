@@ -11,9 +11,7 @@
 #include <kvr/visorrejilla.h>
 
 #include <QDir>
-#include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTemporaryDir>
 
 using namespace kvr;
@@ -34,7 +32,8 @@ private Q_SLOTS:
     }
     void errorMostrado()
     {
-        QFETCH(QString, ventana); QFETCH(QString, mensaje);
+        QFETCH(QString, ventana);
+        QFETCH(QString, mensaje);
         ServiciosGrabados s;
         QTemporaryDir dir;
         // A folder where the table's file should be: the save cannot replace it.
@@ -45,8 +44,7 @@ private Q_SLOTS:
             auto *t = new frmTablas;
             w = t;
             t->Dimensionar(nullptr, carpeta, u"Provincia#25"_qs, u"T(M) L(15) A(I)"_qs, false);
-            t->show();
-            QVERIFY(QTest::qWaitForWindowActive(t));
+            QVERIFY(mostrarActiva(t));
             auto *elemento = control<QLineEdit>(t, "Elemento");
             DevolverFoco(elemento);
             QTest::keyClicks(elemento, u"lugo"_qs);
@@ -63,8 +61,7 @@ private Q_SLOTS:
         } else {
             auto *calc = new MiCalc;
             w = calc;
-            calc->show();
-            QVERIFY(QTest::qWaitForWindowActive(calc));
+            QVERIFY(mostrarActiva(calc));
             // A tax rate of -100 % leaves no net amount to divide by.
             QTest::keyClicks(QApplication::focusWidget(), u"5is100"_qs);
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
