@@ -54,14 +54,11 @@ private Q_SLOTS:
     void diseno()
     {
         QPointer<MiCalc> calc = abrir();
-        QCOMPARE(calc->objectName(), u"MiCalc"_qs);
         QVERIFY(calc->windowFlags() & Qt::FramelessWindowHint);
         QCOMPARE(calc->size(), QSize(460, 244));
         for (int i = 0; i < 24; ++i)
             QCOMPARE(tecla(calc, i)->toolTip(), MotorCalculadora::AyudaDe(i));
-        QCOMPARE(tecla(calc, 12)->property("tag").toString(), u"(FF)"_qs);
         QCOMPARE(tecla(calc, 12)->font().family(), u"Arial"_qs);
-        QCOMPARE(control<QPlainTextEdit>(calc, "Papel")->property("tag").toString(), u"(FF)"_qs);
         QCOMPARE(control<QLabel>(calc, "Pantalla")->toolTip(), u"0.00  "_qs);
         // Not started as "Residente" nor with "+": the toggle is hidden.
         QVERIFY(control<QCheckBox>(calc, "FijarUp")->isHidden());
@@ -72,6 +69,8 @@ private Q_SLOTS:
 
     // The same sequence clicked on the keys and typed (Enter, Backspace, letters without a key,
     // the tape holding the focus) gives the same display and tape; the focus ends on the key pad.
+    // The decimals button shows the next count. A click on the display hides the tape, its button
+    // shows it again: the window narrows to the key pad and its margin, and widens back.
     void clicYTeclado()
     {
         const QString esperado = u"4.00 =|1.00 +\n3.00 =\n4.00 =\n"_qs;
@@ -79,7 +78,9 @@ private Q_SLOTS:
         for (const QChar c : u"12<+3="_qs)
             QTest::mouseClick(tecla(a, int(MotorCalculadora::Teclas().indexOf(c))), Qt::LeftButton);
         QCOMPARE(vista(a), esperado);
-        QCOMPARE(prueba::nombreDelFoco(), u"Panel"_qs);
+        auto *decimales = control<QPushButton>(a, "decimales");
+        QTest::mouseClick(decimales, Qt::LeftButton);
+        QCOMPARE(decimales->text() + u' ' + vista(a).section(u'|', 0, 0), u"3d 4.000 ="_qs);
         cerrar(a);
 
         QPointer<MiCalc> b = abrir();
@@ -89,49 +90,35 @@ private Q_SLOTS:
         QTest::keyClick(papel, '3');
         QTest::keyClick(papel, Qt::Key_Return);
         QCOMPARE(vista(b), esperado);
+        const QRect antes = b->geometry();
+        QTest::mouseClick(control<QLabel>(b, "Pantalla"), Qt::LeftButton);
+        QVERIFY(papel->isHidden());
+        QCOMPARE(b->geometry(), QRect(antes.topLeft(), QSize(8 + 244, antes.height())));
+        QTest::mouseClick(control<QPushButton>(b, "VerPapel"), Qt::LeftButton);
+        QVERIFY(!papel->isHidden());
+        QCOMPARE(b->geometry(), antes);
+        QCOMPARE(vista(b), esperado);
+        QCOMPARE(prueba::nombreDelFoco(), u"Panel"_qs);
         cerrar(b);
     }
 
-    // The clipboard's text typed as keys: with a decimal comma its points are dropped, without
-    // one they stay; the result of an operation goes back to the clipboard.
-    void pegar_data()
+    // The clipboard's text typed as keys, by the "Pegar" button or a right click on the display:
+    // with a decimal comma its points are dropped, without one they stay; letters act as keys.
+    // The result of an operation goes back to the clipboard. "Salir" unloads the form.
+    void pegarYSalir()
     {
-        QTest::addColumn<QString>("previo");
-        QTest::addColumn<QString>("portapapeles");
-        QTest::addColumn<bool>("botonDerecho"); // on the display, else the "Pegar" button
-        QTest::addColumn<QString>("visto");     // display|tape|clipboard
-        QTest::newRow("coma decimal") << u""_qs << u"1.234,56"_qs << false << u"1,234.56  ||1.234,56"_qs;
-        QTest::newRow("punto, letras, botón derecho") << u"5+"_qs << u"c2.5*2="_qs << true
-                                                    << u"5.00 =|2.50 *\n2.00 =\n5.00 =\n|5.00"_qs;
-    }
-    void pegar()
-    {
-        QFETCH(QString, previo); QFETCH(QString, portapapeles);
-        QFETCH(bool, botonDerecho); QFETCH(QString, visto);
         QPointer<MiCalc> calc = abrir();
-        prueba::teclear(calc, previo);
-        QGuiApplication::clipboard()->setText(portapapeles);
-        if (botonDerecho)
-            QTest::mouseClick(control<QLabel>(calc, "Pantalla"), Qt::RightButton);
-        else
-            QTest::mouseClick(control<QPushButton>(calc, "Pegar"), Qt::LeftButton);
+        QGuiApplication::clipboard()->setText(u"1.234,56"_qs);
+        prueba::pulsar(control<QPushButton>(calc, "Pegar"));
+        QCOMPARE(vista(calc) + u'|' + QGuiApplication::clipboard()->text(), u"1,234.56  ||1.234,56"_qs);
+        QGuiApplication::clipboard()->setText(u"c2.5*2="_qs);
+        QTest::mouseClick(control<QLabel>(calc, "Pantalla"), Qt::RightButton);
         QCoreApplication::processEvents();
-        QCOMPARE(vista(calc) + u'|' + QGuiApplication::clipboard()->text(), visto);
-        cerrar(calc);
-    }
-
-    void decimalesBoton()
-    {
-        QPointer<MiCalc> calc = abrir();
-        auto *boton = control<QPushButton>(calc, "decimales");
-        prueba::teclear(calc, u"1.23456"_qs);
-        QStringList vistos;
-        for (int i = 0; i < 4; ++i) {
-            QTest::mouseClick(boton, Qt::LeftButton);
-            vistos << boton->text() + u' ' + control<QLabel>(calc, "Pantalla")->text();
-        }
-        QCOMPARE(vistos.join(u'|'), u"3d 1.235  |4d 1.2346  |5d 1.23456  |2d 1.23  "_qs);
-        cerrar(calc);
+        QCOMPARE(vista(calc) + u'|' + QGuiApplication::clipboard()->text(),
+                 u"5.00 =|2.50 *\n2.00 =\n5.00 =\n|5.00"_qs);
+        prueba::pulsar(control<QPushButton>(calc, "Salir"));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(calc.isNull());
     }
 
     void f8FijaArriba()
@@ -152,56 +139,23 @@ private Q_SLOTS:
         cerrar(calc);
     }
 
-    // A click on the display hides the tape, its button shows it again: the window narrows to the
-    // key pad and its margin, and widens back to what it was.
-    void verPapel()
-    {
-        QPointer<MiCalc> calc = abrir();
-        auto *papel = control<QPlainTextEdit>(calc, "Papel");
-        prueba::teclear(calc, u"5+3\r"_qs);
-        const QRect antes = calc->geometry();
-        QTest::mouseClick(control<QLabel>(calc, "Pantalla"), Qt::LeftButton);
-        QVERIFY(papel->isHidden());
-        QCOMPARE(calc->geometry(), QRect(antes.topLeft(), QSize(8 + 244, antes.height())));
-        QTest::mouseClick(control<QPushButton>(calc, "VerPapel"), Qt::LeftButton);
-        QVERIFY(!papel->isHidden());
-        QCOMPARE(calc->geometry(), antes);
-        QCOMPARE(vista(calc), u"8.00 =|5.00 +\n3.00 =\n8.00 =\n"_qs);
-        QCOMPARE(prueba::nombreDelFoco(), u"Panel"_qs);
-        cerrar(calc);
-    }
-
-    // Escape and the "Salir" button unload the form.
-    void escapeYSalir()
-    {
-        QPointer<MiCalc> calc = abrir();
-        prueba::teclear(calc, u"5+"_qs);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(calc.isNull());
-        QPointer<MiCalc> otra = abrir();
-        QTest::mouseClick(control<QPushButton>(otra, "Salir"), Qt::LeftButton);
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(otra.isNull());
-    }
-
-    // F4 opens the calculator from another window, never a second one from the calculator.
-    void f4()
+    // F4 opens the calculator from another window, never a second one from the calculator;
+    // Escape unloads it.
+    void f4YEscape()
     {
         const auto abiertas = [] {
-            QList<MiCalc *> r;
-            for (QWidget *w : QApplication::topLevelWidgets())
-                if (auto *c = qobject_cast<MiCalc *>(w); c && c->isVisible())
-                    r << c;
+            QList<QWidget *> r = QApplication::topLevelWidgets();
+            r.removeIf([](QWidget *w) { return !qobject_cast<MiCalc *>(w) || !w->isVisible(); });
             return r;
         };
-        QVERIFY(abiertas().isEmpty());
         TeclasGlobales(TeclaF4, 0, u"OtraVentana"_qs);
         QCOMPARE(abiertas().size(), 1);
-        QPointer<MiCalc> calc = abiertas().value(0);
+        QPointer<QWidget> calc = abiertas().value(0);
         QTest::keyClick(calc, Qt::Key_F4);
         QCOMPARE(abiertas().size(), 1);
-        cerrar(calc);
+        QTest::keyClick(calc, Qt::Key_Escape);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QVERIFY(calc.isNull());
     }
 };
 
