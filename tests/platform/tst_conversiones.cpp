@@ -113,41 +113,33 @@ private Q_SLOTS:
         QCOMPARE(errorDe([] { EnteroCorto(-32769.0); }), desborda);
     }
 
+    // Under a comma-decimal locale; the month names of the point-decimal one are the field suite's.
     void leerFecha_data()
     {
-        QTest::addColumn<QString>("locale");
         QTest::addColumn<QString>("texto");
         QTest::addColumn<QDate>("esperada"); // null: not a date
-        const QString es = u"es_ES"_qs;
-        QTest::newRow("29 de febrero bisiesto") << es << u"29/02/2024"_qs << QDate(2024, 2, 29);
-        QTest::newRow("29 de febrero no bisiesto") << es << u"29/02/2023"_qs << QDate();
-        QTest::newRow("año 29") << es << u"1/1/29"_qs << QDate(2029, 1, 1);
-        QTest::newRow("año 30") << es << u"1/1/30"_qs << QDate(1930, 1, 1);
-        QTest::newRow("año de cinco cifras") << es << u"1/1/20091"_qs << QDate();
-        QTest::newRow("guiones") << es << u"12-05-2009"_qs << QDate(2009, 5, 12);
-        QTest::newRow("dos partes: año actual") << es << u"12/05"_qs << QDate(2026, 5, 12);
-        QTest::newRow("mes abreviado") << es << u"12 may 2009"_qs << QDate(2009, 5, 12);
-        QTest::newRow("mes abreviado sept") << es << u"01 sept 2009"_qs << QDate(2009, 9, 1);
-        QTest::newRow("mes abreviado sep") << es << u"01 sep 2009"_qs << QDate(2009, 9, 1);
-        QTest::newRow("mes completo sin año") << es << u"12 mayo"_qs << QDate(2026, 5, 12);
-        QTest::newRow("mes inglés en C") << u"C"_qs << u"3 Jan 2010"_qs << QDate(2010, 1, 3);
-        QTest::newRow("mes desconocido") << es << u"3 foo 2010"_qs << QDate();
-        QTest::newRow("barra final") << es << u"12/05/"_qs << QDate();
-        QTest::newRow("barras dobles") << es << u"12//05/2009"_qs << QDate();
-        QTest::newRow("vacío") << es << QString() << QDate();
-        QTest::newRow("día cero") << es << u"0/05/2009"_qs << QDate();
-        QTest::newRow("número enorme") << es << u"99999999999999999999/1/2000"_qs << QDate();
+        QTest::newRow("29 de febrero bisiesto") << u"29/02/2024"_qs << QDate(2024, 2, 29);
+        QTest::newRow("29 de febrero no bisiesto") << u"29/02/2023"_qs << QDate();
+        QTest::newRow("año 29") << u"1/1/29"_qs << QDate(2029, 1, 1);
+        QTest::newRow("año 30") << u"1/1/30"_qs << QDate(1930, 1, 1);
+        QTest::newRow("año de cinco cifras") << u"1/1/20091"_qs << QDate();
+        QTest::newRow("guiones") << u"12-05-2009"_qs << QDate(2009, 5, 12);
+        QTest::newRow("dos partes: año actual") << u"12/05"_qs << QDate(2026, 5, 12);
+        QTest::newRow("mes abreviado sept") << u"01 sept 2009"_qs << QDate(2009, 9, 1);
+        QTest::newRow("mes abreviado sep") << u"01 sep 2009"_qs << QDate(2009, 9, 1);
+        QTest::newRow("mes desconocido") << u"3 foo 2010"_qs << QDate();
+        QTest::newRow("barra final") << u"12/05/"_qs << QDate();
+        QTest::newRow("barras dobles") << u"12//05/2009"_qs << QDate();
+        QTest::newRow("vacío") << QString() << QDate();
+        QTest::newRow("día cero") << u"0/05/2009"_qs << QDate();
+        QTest::newRow("número enorme") << u"99999999999999999999/1/2000"_qs << QDate();
     }
     void leerFecha()
     {
         ServiciosGrabados servicios; // today: 21/11/2026
-        QFETCH(QString, locale);
         QFETCH(QString, texto);
         QFETCH(QDate, esperada);
-        const auto f = LeerFecha(texto, QLocale(locale));
-        QCOMPARE(f.has_value(), !esperada.isNull());
-        if (f)
-            QCOMPARE(*f, esperada);
+        QCOMPARE(LeerFecha(texto, QLocale(u"es_ES"_qs)).value_or(QDate()), esperada);
     }
 
     // The month names and the dd/mm/yyyy and dd mmm yyyy forms are the field suite's; here the
