@@ -18,14 +18,12 @@ private Q_SLOTS:
         QVERIFY(qApp->findChildren<QSystemTrayIcon *>().isEmpty());
     }
 
-    // Each entry opens its window.
+    // Each entry opens its window; the last one ends the application.
     void menu()
     {
         std::unique_ptr<QMenu> m(MenuBandeja());
         QStringList hechos;
-        for (QAction *a : m->actions()) {
-            if (a->isSeparator() || a->text() == u"Salir")
-                continue;
+        for (QAction *a : m->actions().first(2)) {
             a->trigger();
             for (QWidget *w : QApplication::topLevelWidgets())
                 if (w->isVisible()) {
@@ -34,14 +32,8 @@ private Q_SLOTS:
                 }
         }
         QCOMPARE(hechos, (QStringList{u"Calculadora>MiCalc"_qs, u"Teléfonos>Telefonos"_qs}));
-    }
-
-    void salirTerminaLaAplicacion()
-    {
-        std::unique_ptr<QMenu> m(MenuBandeja());
-        QAction *salir = m->actions().last();
-        QCOMPARE(salir->text(), u"Salir"_qs);
-        QTimer::singleShot(0, salir, &QAction::trigger);
+        QCOMPARE(m->actions().last()->text(), u"Salir"_qs);
+        QTimer::singleShot(0, m->actions().last(), &QAction::trigger);
         QTimer::singleShot(5000, qApp, [] { QCoreApplication::exit(1); }); // a failure, not a hang
         QCOMPARE(QCoreApplication::exec(), 0);
     }

@@ -45,10 +45,6 @@ private Q_SLOTS:
     void comparadoConStdnum()
     {
         const QString python = QFileInfo::exists(u"/usr/bin/python3"_qs) ? u"/usr/bin/python3"_qs : u"python3"_qs;
-        QProcess p;
-        p.start(python, {u"-c"_qs, u"import stdnum.es.nif"_qs});
-        if (!p.waitForFinished() || p.exitCode() != 0)
-            QSKIP("python3-stdnum is not installed");
         const QString primeras = u"0123456789XYZKLMABCDEFGHJNPQRSUVW"_qs;
         QRandomGenerator azar(2026);
         QStringList nuestras;
@@ -66,10 +62,13 @@ from stdnum.es import nif
 nuestras = sys.stdin.read().split()
 print(*[n for n in nuestras if not nif.is_valid(n)], len(nuestras))
 )"_qs;
+        QProcess p;
         p.start(python, {u"-c"_qs, programa});
         p.write(nuestras.join(u'\n').toUtf8());
         p.closeWriteChannel();
         QVERIFY(p.waitForFinished(30000));
+        if (p.readAllStandardError().contains("No module named 'stdnum'"))
+            QSKIP("python3-stdnum is not installed");
         QCOMPARE(QString::fromUtf8(p.readAll()), u"2000\n"_qs);
     }
 };
