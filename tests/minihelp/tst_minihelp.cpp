@@ -22,11 +22,6 @@ using namespace prueba;
 
 namespace {
 
-QString Ruta(const char *nombre)
-{
-    return QStringLiteral(KVR_DATOS_RTF "/") + QLatin1String(nombre);
-}
-
 // The runs of a document as one compact line: paragraphs split by "/", runs by "|", each run's
 // formatting in brackets when it differs from the default ("b" bold, "i" italic, "u" underline,
 // "s" strike-out, "fsN" size, "fN" font, "cN" colour, "^" raised).
@@ -179,7 +174,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("esperado");
         QTest::addColumn<int>("dibujos");
         const QString programa = u"Programa Nóminas  -  Versión "_qs;
-        QTest::newRow("sin version") << QString() << QStringList{QString()} << programa + u"0.0.0"_qs << 1;
         QTest::newRow("cuatro partes") << u"2.1.34.7"_qs << QStringList{QString()} << programa + u"2.1.34"_qs << 1;
         QTest::newRow("el ultimo manda") << u"1.0"_qs << L({"Uno", "Dos"}) << u"Dos"_qs << 2;
         QTest::newRow("vuelta a la version") << u"1.0"_qs << L({"Uno", ""}) << programa + u"1.0.0"_qs << 2;
@@ -207,7 +201,7 @@ private Q_SLOTS:
     void documentoDeFichero()
     {
         QTextDocument doc;
-        QVERIFY(CargarRtf(Ruta("ayuda_formatos.rtf"), &doc));
+        QVERIFY(CargarRtf(QStringLiteral(KVR_DATOS_RTF "/ayuda_formatos.rtf"), &doc));
         QCOMPARE(doc.blockCount(), 8);
         QCOMPARE(doc.findBlockByNumber(4).text(), u"Código\tDescripción\tImporte"_qs);
         QCOMPARE(doc.findBlockByNumber(6).text(), u"Primera línea\u2028segunda línea del mismo párrafo."_qs);
@@ -233,13 +227,13 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("contenido");
         QTest::addColumn<QString>("primeraLinea");
         QTest::addColumn<QString>("ultimaLinea");
-        const QByteArray rtf = leer(Ruta("ayuda_simbolos.rtf"));
+        const QByteArray rtf = leer(QStringLiteral(KVR_DATOS_RTF "/ayuda_simbolos.rtf"));
         // A file cut right after the third paragraph shows the paragraphs before the cut.
         QTest::newRow("fichero cortado") << rtf.left(rtf.indexOf("comillas"))
                                          << u"¿Cómo se añade un cliente? ¡Muy fácil!"_qs
                                          << u"Moneda: 25 € — el guion largo y las «"_qs;
-        QTest::newRow("texto sin formato") << QByteArray("Línea uno\r\nLínea dos\r\n") << u"Línea uno"_qs
-                                           << u"Línea dos"_qs;
+        QTest::newRow("texto sin formato")
+            << QByteArray("Línea uno\r\nLínea dos\r\n") << u"Línea uno"_qs << u"Línea dos"_qs;
     }
     // The help text shows from its start.
     void cargarAyuda()

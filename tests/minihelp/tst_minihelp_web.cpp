@@ -36,7 +36,6 @@ public:
     {
         return QStringLiteral("http://127.0.0.1:%1%2").arg(m_servidor.serverPort()).arg(ruta);
     }
-    QStringList pedidas;
 
 private:
     void Atender(QTcpSocket *s)
@@ -46,7 +45,6 @@ private:
         if (!buf.contains("\r\n\r\n"))
             return;
         const QByteArray ruta = buf.split(' ').value(1);
-        pedidas.append(QString::fromLatin1(ruta));
         m_buffers.remove(s);
         if (ruta == "/lenta")  // never answers
             return;
