@@ -1,6 +1,5 @@
 // The calculator started with the command line "+2": the layout doubles the design size, the
 // tape's margin with it, and the always-on-top toggle is offered.
-#include <kvr/escala.h>
 #include <kvr/micalc.h>
 
 #include <QApplication>
@@ -19,7 +18,6 @@ private Q_SLOTS:
         QPointer<MiCalc> calc = new MiCalc;
         calc->show();
         QCoreApplication::processEvents();
-        QCOMPARE(FactorX, 2.0f);
         QCOMPARE(calc->size(), QSize(920, 488));
         QCOMPARE(calc->findChild<QWidget *>(u"Panel"_qs)->geometry(), QRect(8, 192, 488, 280));
         QVERIFY(!calc->findChild<QCheckBox *>(u"FijarUp"_qs)->isHidden());

@@ -33,13 +33,14 @@ public:
 namespace {
 
 template<class W = QLabel>
-W *nuevo(QWidget *padre, const char *nombre, QRect g, const char *familia = nullptr, int puntos = 0)
+W *nuevo(QWidget *padre, const char *nombre, QRect g, const char *familia = nullptr, int puntos = 0,
+         bool negrita = false)
 {
     auto *w = new W(padre);
     w->setObjectName(QString::fromLatin1(nombre));
     w->setGeometry(g);
     if (familia)
-        w->setFont(QFont(QString::fromLatin1(familia), puntos));
+        w->setFont(QFont(QString::fromLatin1(familia), puntos, negrita ? QFont::Bold : QFont::Normal));
     return w;
 }
 
@@ -49,11 +50,7 @@ std::unique_ptr<QWidget> formulario()
     auto form = std::make_unique<QWidget>();
     form->setFont(QFont(QStringLiteral("DejaVu Serif"), 8));
     form->setGeometry(50, 60, 400, 200);
-    nuevo(form.get(), "etiNombre", {10, 10, 100, 20}, "DejaVu Serif", 8)->setFont([] {
-        QFont f(QStringLiteral("DejaVu Serif"), 8);
-        f.setBold(true);
-        return f;
-    }());
+    nuevo(form.get(), "etiNombre", {10, 10, 100, 20}, "DejaVu Serif", 8, true);
     PonerTagDe(nuevo(form.get(), "etiFija", {10, 40, 100, 20}, "DejaVu Sans Mono", 10), u"L(10) (FF)"_qs);
     PonerTagDe(nuevo(form.get(), "etiHeredada", {10, 70, 100, 20}), u"(FF)"_qs); // inherits its family
     nuevo<QPushButton>(form.get(), "cmdAparcado", {-4000, 10, 50, 20});   // -60000 twips
@@ -86,37 +83,6 @@ QString medidas(QWidget *form, std::initializer_list<const char *> nombres)
     return r.join(u'|');
 }
 
-void rueda(QWidget *w)
-{
-    const QPointF pos(5, 5);
-    QWheelEvent e(pos, w->mapToGlobal(pos), QPoint(), QPoint(0, -120), Qt::NoButton, Qt::NoModifier,
-                  Qt::NoScrollPhase, false);
-    QApplication::sendEvent(w, &e);
-}
-
-// A window with a text field and a long grid below it, the grid holding the focus.
-struct VentanaConGrid {
-    QWidget ventana;
-    QLineEdit *campo = new QLineEdit(&ventana);
-    QTableWidget *grid = new QTableWidget(200, 2, &ventana);
-    VentanaConGrid()
-    {
-        ventana.resize(300, 300);
-        campo->setGeometry(10, 10, 200, 24);
-        grid->setGeometry(10, 40, 280, 200);
-        ventana.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&ventana));
-        grid->setFocus();
-        QApplication::processEvents();
-    }
-    // Where the grid stands after one wheel notch down over `sobre`.
-    int bajar(QWidget *sobre)
-    {
-        rueda(sobre);
-        return grid->verticalScrollBar()->value();
-    }
-};
-
 } // namespace
 
 class TestLayout : public QObject {
@@ -132,20 +98,29 @@ private Q_SLOTS:
 
     // 6000 twips on 12000 aim at 9000: 1.5 for every position, size, font and column, and the
     // limits of a fixed-size window. A parked control stays parked, one near the limit scales.
+    // The dialog font's family goes to every control but the "(FF)" ones, which keep theirs, set
+    // or inherited; their size still scales.
     void escalado()
     {
         auto form = formulario();
         form->setFixedSize(400, 200);
+        PonerFuente(form.get());
         Redimensionar(form.get(), false);
         QCOMPARE(FactorY, 1.5f);
-        QCOMPARE(medidas(form.get(), {"etiNombre", "Marco", "etiDentro", "cmdCerca", "cmdAparcado"}),
+        QCOMPARE(medidas(form.get(), {"etiNombre", "Marco", "etiDentro", "cmdCerca", "cmdAparcado", "etiFija"}),
                  u"0,0 600x300 8|15,15 150x30 12|300,15 225x120 12|15,15 120x30 12|-3999,15 75x30 12|"
-                 "-3500,15 75x30 12|columnas 150 75 propio 1"_qs);
+                 "-3500,15 75x30 12|15,60 150x30 15|columnas 150 75 propio 1"_qs);
         QCOMPARE(form->minimumSize(), QSize(600, 300));
         QCOMPARE(form->maximumSize(), QSize(600, 300));
         QVERIFY(control(form.get(), "etiNombre")->font().bold());
         // Qt's own parts of the grid are left to the grid.
         QCOMPARE(control<QTableWidget>(form.get(), "Grid")->viewport()->font().pointSizeF(), 12.0);
+        const QString dialogo = FuenteDialogo();
+        QVERIFY(dialogo != u"DejaVu Serif");
+        QStringList familias;
+        for (const char *n : {"etiNombre", "etiDentro", "Grid", "etiFija", "etiHeredada"})
+            familias << control(form.get(), n)->font().family().replace(dialogo, u"diálogo"_qs);
+        QCOMPARE(familias.join(u'|'), u"diálogo|diálogo|diálogo|DejaVu Sans Mono|DejaVu Serif"_qs);
     }
 
     // With SinEscalar a reused factor changes nothing and reports nothing; a new one is worked out
@@ -163,23 +138,6 @@ private Q_SLOTS:
         Redimensionar(form.get(), false);
         QCOMPARE(FactorX, 1.5f);
         QCOMPARE(medidas(form.get(), {"etiNombre"}), u"0,0 400x200 8|10,10 100x20 8|columnas 100 50 propio 1"_qs);
-    }
-
-    // The dialog font's family for every control but the "(FF)" ones, which keep theirs, set or
-    // inherited; their size still scales.
-    void ponerFuente()
-    {
-        auto form = formulario();
-        PonerFuente(form.get());
-        const QString dialogo = FuenteDialogo();
-        QVERIFY(dialogo != u"DejaVu Serif");
-        QStringList familias;
-        for (const char *n : {"etiNombre", "etiDentro", "Grid", "etiFija", "etiHeredada"})
-            familias << control(form.get(), n)->font().family().replace(dialogo, u"diálogo"_qs);
-        QCOMPARE(familias.join(u'|'), u"diálogo|diálogo|diálogo|DejaVu Sans Mono|DejaVu Serif"_qs);
-        QVERIFY(control(form.get(), "etiNombre")->font().bold());
-        Redimensionar(form.get(), false);
-        QCOMPARE(medidas(form.get(), {"etiFija"}).section(u'|', 1, 1), u"15,60 150x30 15"_qs);
     }
 
     // A window built in code without names: its widgets are controls too (their font and
@@ -217,8 +175,11 @@ private Q_SLOTS:
     // registered opens nothing.
     void mostrarUnaSolaVez()
     {
-        int creadas = 0;
-        RegistrarVentana(u"VentanaPrueba"_qs, [&creadas] { ++creadas; return new QWidget; });
+        static int creadas = 0;
+        RegistrarVentana(u"VentanaPrueba"_qs, [] {
+            ++creadas;
+            return new QWidget;
+        });
         std::unique_ptr<QWidget> w(AbrirVentana(u"VentanaPrueba"_qs));
         QVERIFY(w && w->isVisible());
         QWidget otra;
@@ -250,21 +211,34 @@ private Q_SLOTS:
     // undoes any number of them, and a further one is harmless.
     void ruedaRedirigida()
     {
-        VentanaConGrid v;
-        QCOMPARE(v.bajar(v.campo), 0);
-        Subclasificar(&v.ventana);
-        Subclasificar(&v.ventana);
-        QVERIFY(Subclasificada(&v.ventana));
-        const int unPaso = v.bajar(v.campo);
+        QWidget ventana;
+        ventana.resize(300, 300);
+        auto *campo = new QLineEdit(&ventana);
+        auto *grid = new QTableWidget(200, 2, &ventana);
+        grid->setGeometry(10, 40, 280, 200);
+        QVERIFY(prueba::mostrarActiva(&ventana));
+        grid->setFocus();
+        // Where the grid stands after one wheel notch down over `sobre`.
+        const auto bajar = [grid](QWidget *sobre) {
+            QWheelEvent e(QPointF(5, 5), sobre->mapToGlobal(QPointF(5, 5)), QPoint(), QPoint(0, -120),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(sobre, &e);
+            return grid->verticalScrollBar()->value();
+        };
+        QCOMPARE(bajar(campo), 0);
+        Subclasificar(&ventana);
+        Subclasificar(&ventana);
+        QVERIFY(Subclasificada(&ventana));
+        const int unPaso = bajar(campo);
         QVERIFY(unPaso > 0);
-        QCOMPARE(v.bajar(v.grid->viewport()), 2 * unPaso);
-        v.campo->setFocus();
-        QCOMPARE(v.bajar(v.campo), 2 * unPaso);
-        v.grid->setFocus();
-        Desclasificar(&v.ventana);
-        QVERIFY(!Subclasificada(&v.ventana));
-        Desclasificar(&v.ventana);
-        QCOMPARE(v.bajar(v.campo), 2 * unPaso);
+        QCOMPARE(bajar(grid->viewport()), 2 * unPaso);
+        campo->setFocus();
+        QCOMPARE(bajar(campo), 2 * unPaso);
+        grid->setFocus();
+        Desclasificar(&ventana);
+        QVERIFY(!Subclasificada(&ventana));
+        Desclasificar(&ventana);
+        QCOMPARE(bajar(campo), 2 * unPaso);
     }
 };
 
