@@ -1,16 +1,37 @@
-#include <kvr/bandeja.h>
+// The desktop side of the auxiliary modules: keys delivered to widgets and the tray icon.
+#include "comun/pruebas.h"
 
-#include <QApplication>
+#include <kvr/bandeja.h>
+#include <kvr/error.h>
+#include <kvr/teclasnombre.h>
+
+#include <QLineEdit>
 #include <QMenu>
 #include <QSystemTrayIcon>
-#include <QTimer>
-#include <QtTest>
 
 using namespace kvr;
 
-class TstBandeja : public QObject {
+class TstEscritorio : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    // Keys arrive once the caller is back in the event loop and follow the focus as it moves;
+    // with a target, they go there whatever has the focus. A syntax error sends nothing.
+    void enviar()
+    {
+        QWidget ventana;
+        QLineEdit uno(&ventana), dos(&ventana);
+        QVERIFY(prueba::mostrarActiva(&ventana));
+        uno.setFocus();
+        EnviarTeclas(u"Año{TAB}dos+(x)"_qs);
+        QCOMPARE(uno.text(), QString());
+        QCoreApplication::processEvents();
+        QCOMPARE(uno.text() + u'|' + dos.text(), u"Año|dosX"_qs);
+        EnviarTeclas(u"{BS}{HOME}z"_qs, &uno);
+        QVERIFY_THROWS_EXCEPTION(ErrorEjecucion, EnviarTeclas(u"ab{NADA}"_qs));
+        QCoreApplication::processEvents();
+        QCOMPARE(uno.text() + u'|' + dos.text(), u"zAñ|dosX"_qs);
+    }
+
     // Offscreen there is no notification area: the call says so and puts up nothing.
     void sinBandeja()
     {
@@ -39,5 +60,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(TstBandeja)
-#include "tst_bandeja.moc"
+QTEST_MAIN(TstEscritorio)
+#include "tst_escritorio.moc"

@@ -1,0 +1,181 @@
+// The auxiliary routines that are functions of their text alone: amounts in words, tax
+// identifiers and the send-keys syntax.
+#include <kvr/error.h>
+#include <kvr/identificacion.h>
+#include <kvr/letras.h>
+#include <kvr/teclasnombre.h>
+
+#include <QFileInfo>
+#include <QKeySequence>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QtTest>
+
+using namespace kvr;
+
+namespace {
+
+// What a call returns, or "error N" for the run-time error it raises.
+QString resultado(const std::function<QString()> &llamada)
+{
+    try {
+        return llamada();
+    } catch (const ErrorEjecucion &e) {
+        return u"error "_qs + QString::number(e.numero());
+    }
+}
+
+} // namespace
+
+class TstRutinas : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    // One row a rule. No currency: NumeroEnLetras; "error N": the run-time error it raises.
+    void enLetras_data()
+    {
+        QTest::addColumn<double>("cifra");
+        QTest::addColumn<QString>("moneda");
+        QTest::addColumn<QString>("esperado");
+        const QString N, E = u"EUR"_qs, P = u"ESP"_qs;
+        const QString maximo = u"novecientos noventa y nueve mil novecientos noventa y nueve millones "
+                               "novecientos noventa y nueve mil novecientos noventa y nueve"_qs;
+        QTest::newRow("cien") << 100.0 << N << u"cien"_qs;
+        QTest::newRow("veintiún mil uno") << 21001.0 << N << u"veintiún mil uno"_qs;
+        QTest::newRow("mil un millones") << 1001000000.0 << N << u"mil un millones"_qs;
+        QTest::newRow("negativo, uno sin apócope") << -121.0 << N << u"menos ciento veintiuno"_qs;
+        QTest::newRow("máximo") << 999999999999.0 << N << maximo;
+        QTest::newRow("sobre el máximo") << 1e12 << N << u"error 6"_qs;
+        QTest::newRow("bajo el mínimo") << -1e12 << N << u"error 6"_qs;
+        QTest::newRow("de tras millones") << 1e6 << E << u"un millón de euros"_qs;
+        QTest::newRow("redondeo de lo escrito") << 1.005 << E << u"un euro con un céntimo"_qs;
+        QTest::newRow("negativo se aleja de cero") << -0.005 << E << u"menos cero euros con un céntimo"_qs;
+        QTest::newRow("negativo que redondea a cero") << -0.004 << E << u"cero euros"_qs;
+        QTest::newRow("importe máximo") << 999999999999.99 << E
+                                        << maximo + u" euros con noventa y nueve céntimos"_qs;
+        QTest::newRow("redondea al billón") << 999999999999.995 << E << u"error 6"_qs;
+        QTest::newRow("infinito") << qInf() << E << u"error 6"_qs;
+        QTest::newRow("otra moneda") << 1.0 << u"USD"_qs << u"error 5"_qs;
+        QTest::newRow("una peseta") << 1.0 << P << u"una peseta"_qs;
+        QTest::newRow("miles femeninos") << 221000.0 << P << u"doscientas veintiuna mil pesetas"_qs;
+        QTest::newRow("millones masculinos") << 2e8 << P << u"doscientos millones de pesetas"_qs;
+        QTest::newRow("pesetas enteras") << 29.5 << P << u"treinta pesetas"_qs;
+        QTest::newRow("pesetas sin doble redondeo") << 0.495 << P << u"cero pesetas"_qs;
+    }
+    void enLetras()
+    {
+        QFETCH(double, cifra);
+        QFETCH(QString, moneda);
+        QFETCH(QString, esperado);
+        const auto enLetras = [&] {
+            return moneda.isNull() ? NumeroEnLetras(qint64(cifra)) : ImporteEnLetras(cifra, moneda);
+        };
+        QCOMPARE(resultado(enLetras), esperado);
+    }
+
+    // What the generated batch below cannot see: how a text is cleaned, the cases without a
+    // kind, and which form of a CIF's control each organisation letter takes. Expected: kind,
+    // valid, the text cleaned and the control it should have.
+    void validar_data()
+    {
+        QTest::addColumn<QString>("texto");
+        QTest::addColumn<QString>("esperado");
+        // A5878044: odd places 5,7,0,4 doubled 10,14,0,8 -> 1+5+0+8 = 14, even places 8,8,4 = 20,
+        // sum 34, control 6 (letter F).
+        QTest::newRow("DNI cero") << u"00000000T"_qs << u"DNI sí 00000000T T"_qs;
+        QTest::newRow("puntos, guion y minúscula") << u" 12.345.678-z "_qs << u"DNI sí 12345678Z Z"_qs;
+        QTest::newRow("CIF A sin letra") << u"A5878044F"_qs << u"CIF no A5878044F 6"_qs;
+        QTest::newRow("CIF P sin dígito") << u"P58780446"_qs << u"CIF no P58780446 F"_qs;
+        QTest::newRow("CIF G con letra") << u"G5878044F"_qs << u"CIF sí G5878044F F"_qs;
+        QTest::newRow("NIF-IVA ES") << u"ES A-58780446"_qs << u"CIF sí A58780446 6"_qs;
+        QTest::newRow("corto") << u"1234567Z"_qs << u"? no 1234567Z "_qs;
+        QTest::newRow("letra de organización que no es") << u"I5878044F"_qs << u"? no I5878044F "_qs;
+    }
+    void validar()
+    {
+        QFETCH(QString, texto);
+        QFETCH(QString, esperado);
+        const Identificacion id = ValidarIdentificacionFiscal(texto);
+        const QStringList tipos = {u"?"_qs, u"DNI"_qs, u"NIE"_qs, u"NIF"_qs, u"CIF"_qs};
+        const QString control = id.control.isNull() ? QString() : QString(id.control);
+        const QString valida = id.valida ? u"sí"_qs : u"no"_qs;
+        QCOMPARE(QStringList({tipos[int(id.tipo)], valida, id.normalizada, control}).join(u' '), esperado);
+    }
+
+    // Generated identifiers of every kind (DNI, NIE, K/L/M, CIF, with a letter or a digit) against
+    // python-stdnum: the control we give must be the one it accepts.
+    void comparadoConStdnum()
+    {
+        const QString python = QFileInfo::exists(u"/usr/bin/python3"_qs) ? u"/usr/bin/python3"_qs : u"python3"_qs;
+        const QString primeras = u"0123456789XYZKLMABCDEFGHJNPQRSUVW"_qs;
+        QRandomGenerator azar(2026);
+        QStringList nuestras;
+        for (int i = 0; i < 2000; ++i) {
+            QString cuerpo(primeras[azar.bounded(int(primeras.size()))]);
+            while (cuerpo.size() < 8)
+                cuerpo += QChar(u'0' + azar.bounded(10));
+            nuestras << cuerpo + ValidarIdentificacionFiscal(cuerpo + u'?').control;
+        }
+        // The control we give a body with a wrong one, checked by stdnum: it prints each identifier
+        // it calls invalid, then how many it saw.
+        const QString programa = uR"(
+import sys
+from stdnum.es import nif
+nuestras = sys.stdin.read().split()
+print(*[n for n in nuestras if not nif.is_valid(n)], len(nuestras))
+)"_qs;
+        QProcess p;
+        p.start(python, {u"-c"_qs, programa});
+        p.write(nuestras.join(u'\n').toUtf8());
+        p.closeWriteChannel();
+        QVERIFY(p.waitForFinished(30000));
+        if (p.readAllStandardError().contains("No module named 'stdnum'"))
+            QSKIP("python3-stdnum is not installed");
+        QCOMPARE(QString::fromUtf8(p.readAll()), u"2000\n"_qs);
+    }
+
+    // The key strokes of a send-keys text, each as "Modifiers+Key[text]" with control characters
+    // written \xNN; a text with a syntax error raises error 5.
+    void analizar_data()
+    {
+        QTest::addColumn<QString>("teclas");
+        QTest::addColumn<QString>("pulsaciones");
+        QTest::newRow("caracteres") << u"aB1ñ"_qs << u"A[a] Shift+B[B] 1[1] Ñ[ñ]"_qs;
+        QTest::newRow("tilde es Intro") << u"~"_qs << u"Return[\\x0d]"_qs;
+        QTest::newRow("nombres, sin mayúsculas") << u"{ENTER}{tab}{Esc}{bs}{DEL}{INS}{PgDn}{F16}"_qs
+            << u"Return[\\x0d] Tab[\\x09] Esc[\\x1b] Backspace[\\x08] Del[\\x7f] Ins[] PgDown[] F16[]"_qs;
+        QTest::newRow("repetición") << u"{TAB 3}{a 2}"_qs << u"Tab[\\x09] Tab[\\x09] Tab[\\x09] A[a] A[a]"_qs;
+        QTest::newRow("mayúsculas y tabulador") << u"+{TAB}"_qs << u"Shift+Backtab[\\x09]"_qs;
+        QTest::newRow("control y mayúsculas") << u"^+a"_qs << u"Ctrl+Shift+A[\\x01]"_qs;
+        QTest::newRow("alt") << u"%{F4}"_qs << u"Alt+F4[]"_qs;
+        QTest::newRow("grupo") << u"+(ab)c"_qs << u"Shift+A[A] Shift+B[B] C[c]"_qs;
+        QTest::newRow("escapados") << u"{+}{^}{%}{~}{(}{)}{{}{}}"_qs << u"+[+] ^[^] %[%] ~[~] ([(] )[)] {[{] }[}]"_qs;
+        QTest::newRow("texto literal") << TeclasLiterales(u"1+(2)%"_qs) << u"1[1] +[+] ([(] 2[2] )[)] %[%]"_qs;
+        QTest::newRow("nombre desconocido") << u"ab{NADA}"_qs << u"error 5"_qs;
+        QTest::newRow("llave sin cerrar") << u"a{TAB"_qs << u"error 5"_qs;
+        QTest::newRow("grupo sin cerrar") << u"+(ab"_qs << u"error 5"_qs;
+        QTest::newRow("paréntesis de más") << u"ab)"_qs << u"error 5"_qs;
+        QTest::newRow("modificador sin tecla") << u"a^"_qs << u"error 5"_qs;
+        QTest::newRow("cuenta excesiva") << u"{TAB 10000}"_qs << u"error 5"_qs;
+    }
+    void analizar()
+    {
+        QFETCH(QString, teclas);
+        QFETCH(QString, pulsaciones);
+        const auto analizar = [&] {
+            QStringList r;
+            for (const PulsacionTecla &p : AnalizarTeclas(teclas)) {
+                QString texto;
+                for (QChar c : p.texto) {
+                    const bool control = c.unicode() < 32 || c.unicode() == 127;
+                    texto += control ? QStringLiteral("\\x%1").arg(int(c.unicode()), 2, 16, QChar(u'0')) : QString(c);
+                }
+                r << QKeySequence(QKeyCombination(p.modificadores, Qt::Key(p.tecla))).toString() + u'[' + texto + u']';
+            }
+            return r.join(u' ');
+        };
+        QCOMPARE(resultado(analizar), pulsaciones);
+    }
+};
+
+QTEST_GUILESS_MAIN(TstRutinas)
+#include "tst_rutinas.moc"
