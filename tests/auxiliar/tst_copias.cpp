@@ -73,11 +73,9 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        QVERIFY(m_dir.isValid());
         m_origen = ruta(u"origen"_qs);
         const QString d = m_origen + u"/datos"_qs;
         QVERIFY(QDir().mkpath(d + u"/Año 2026/Facturación"_qs));
-        QVERIFY(QDir().mkpath(d + u"/vacía"_qs));
         QVERIFY(QDir().mkpath(d + u"/ñandú/más vacía"_qs));
         prueba::escribir(d + u"/Año 2026/Facturación/café €.txt"_qs, "Caf\xc3\xa9 con leche\r\n");
         prueba::escribir(d + u"/Año 2026/vacío.txt"_qs, QByteArray());
@@ -105,8 +103,7 @@ private Q_SLOTS:
     {
         QFETCH(bool, nuestraCopia);
         ServiciosGrabados servicios;
-        const QString zip = ruta(u"ida.zip"_qs), destino = ruta(u"vuelta"_qs);
-        QDir(destino).removeRecursively();
+        const QString zip = ruta(u"ida.zip"_qs), destino = ruta(QString::fromUtf8(QTest::currentDataTag()));
         QList<double> avisos;
         const AvisoProgreso aviso = [&](double f) { avisos << f; };
         if (nuestraCopia) {
