@@ -32,16 +32,12 @@ private Q_SLOTS:
         QCOMPARE(uno.text() + u'|' + dos.text(), u"zAñ|dosX"_qs);
     }
 
-    // Offscreen there is no notification area: the call says so and puts up nothing.
-    void sinBandeja()
+    // Offscreen there is no notification area: the call says so and puts up nothing. The menu's
+    // entries open their windows; the last one ends the application.
+    void bandeja()
     {
         QVERIFY(!IconoBandeja(u"Contabilidad"_qs));
         QVERIFY(qApp->findChildren<QSystemTrayIcon *>().isEmpty());
-    }
-
-    // Each entry opens its window; the last one ends the application.
-    void menu()
-    {
         std::unique_ptr<QMenu> m(MenuBandeja());
         QStringList hechos;
         for (QAction *a : m->actions().first(2)) {

@@ -120,13 +120,10 @@ private Q_SLOTS:
         const QString programa = uR"(
 import sys
 from stdnum.es import nif
-nuestras = sys.stdin.read().split()
-print(*[n for n in nuestras if not nif.is_valid(n)], len(nuestras))
+print(*[n for n in sys.argv[1:] if not nif.is_valid(n)], len(sys.argv) - 1)
 )"_qs;
         QProcess p;
-        p.start(python, {u"-c"_qs, programa});
-        p.write(nuestras.join(u'\n').toUtf8());
-        p.closeWriteChannel();
+        p.start(python, QStringList{u"-c"_qs, programa} + nuestras);
         QVERIFY(p.waitForFinished(30000));
         if (p.readAllStandardError().contains("No module named 'stdnum'"))
             QSKIP("python3-stdnum is not installed");
@@ -150,7 +147,6 @@ print(*[n for n in nuestras if not nif.is_valid(n)], len(nuestras))
         QTest::newRow("grupo") << u"+(ab)c"_qs << u"Shift+A[A] Shift+B[B] C[c]"_qs;
         QTest::newRow("escapados") << u"{+}{^}{%}{~}{(}{)}{{}{}}"_qs << u"+[+] ^[^] %[%] ~[~] ([(] )[)] {[{] }[}]"_qs;
         QTest::newRow("texto literal") << TeclasLiterales(u"1+(2)%"_qs) << u"1[1] +[+] ([(] 2[2] )[)] %[%]"_qs;
-        QTest::newRow("nombre desconocido") << u"ab{NADA}"_qs << u"error 5"_qs;
         QTest::newRow("llave sin cerrar") << u"a{TAB"_qs << u"error 5"_qs;
         QTest::newRow("grupo sin cerrar") << u"+(ab"_qs << u"error 5"_qs;
         QTest::newRow("paréntesis de más") << u"ab)"_qs << u"error 5"_qs;
