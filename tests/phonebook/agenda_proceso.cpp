@@ -1,9 +1,9 @@
 // A phone book in a process of its own, for the suites that need several programs on one
 // contacts file (the folder comes from TLF):
-//   agenda_proceso agregar N PREFIJO [PAUSA_MS]
+//   agenda_proceso agregar N PREFIJO
 //       opens the window and adds N contacts PREFIJO0.. through the entry panel, one save each,
 //       printing "GRABADO name" or "RECHAZADO name: message" for each (any box is answered at
-//       once); PAUSA_MS waits between contacts.
+//       once).
 //   agenda_proceso alternar FILAS
 //       makes two phone books of FILAS contacts, writes the bytes each saves as A.ref and B.ref
 //       (once, when they are not there yet),
@@ -13,7 +13,6 @@
 #include <kvr/contactos.h>
 #include <kvr/mivisor.h>
 #include <kvr/telefonos.h>
-#include <kvr/visorrejilla.h>
 
 #include <QApplication>
 #include <QFile>
@@ -29,7 +28,7 @@ using namespace kvr;
 
 namespace {
 
-int agregar(int n, const QString &prefijo, int pausa)
+int agregar(int n, const QString &prefijo)
 {
     QTextStream salida(stdout);
     QString mensaje;
@@ -37,30 +36,24 @@ int agregar(int n, const QString &prefijo, int pausa)
     QTimer vigia;
     QObject::connect(&vigia, &QTimer::timeout, [&] {
         if (QWidget *caja = QApplication::activeModalWidget()) {
-            if (auto *m = caja->findChild<QLabel *>(QStringLiteral("Mensaje")))
-                mensaje = m->text();
+            mensaje = caja->findChild<QLabel *>(QStringLiteral("Mensaje"))->text();
             caja->close();
         }
     });
     vigia.start(5);
-    auto *agenda = new Telefonos;
-    agenda->show();
-    QCoreApplication::processEvents();
+    Telefonos agenda;
+    agenda.show();
     for (int i = 0; i < n; ++i) {
         const QString nombre = prefijo + QString::number(i);
         mensaje.clear();
-        agenda->cmdNuevo_Click();
-        agenda->findChild<QLineEdit *>(QStringLiteral("Tlf(0)"))->setText(nombre);
-        agenda->findChild<QLineEdit *>(QStringLiteral("Tlf(1)"))->setText(QString::number(i));
-        agenda->cmdAceptar_Click();
+        agenda.cmdNuevo_Click();
+        agenda.findChild<QLineEdit *>(QStringLiteral("Tlf(0)"))->setText(nombre);
+        agenda.cmdAceptar_Click();
         if (mensaje.isEmpty())
             salida << "GRABADO " << nombre << Qt::endl;
         else
             salida << "RECHAZADO " << nombre << ": " << mensaje.replace(u'\n', u' ') << Qt::endl;
-        if (pausa > 0)
-            QThread::msleep(ulong(pausa));
     }
-    agenda->close();
     return 0;
 }
 
@@ -78,14 +71,13 @@ void llenar(Rejilla &g, int filas, const char *extra)
 
 int alternar(int filas)
 {
-    const QString carpeta = CarpetaContactos();
     Rejilla a, b;
     llenar(a, filas, "Versión A");
     llenar(b, filas, "Versión B con otro tamaño");
     // The references are written once, whole: a kill while writing them must not leave a
     // reference that a good contacts file would fail to match.
     for (const auto &[g, nombre] : {std::pair{&a, "A.ref"}, std::pair{&b, "B.ref"}}) {
-        QSaveFile f(carpeta + QString::fromLatin1(nombre));
+        QSaveFile f(CarpetaContactos() + QString::fromLatin1(nombre));
         if (QFile::exists(f.fileName()))
             continue;
         if (!f.open(QIODevice::WriteOnly) || f.write(TextoContactos(*g)) < 0 || !f.commit())
@@ -106,17 +98,13 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     const QStringList args = QCoreApplication::arguments();
     if (args.size() >= 4 && args[1] == u"agregar")
-        return agregar(args[2].toInt(), args[3], args.size() > 4 ? args[4].toInt() : 0);
+        return agregar(args[2].toInt(), args[3]);
     if (args.size() >= 3 && args[1] == u"alternar")
         return alternar(args[2].toInt());
-    if (args.size() >= 3 && args[1] == u"bloquear") {
-        QLockFile cerrojo(args[2]);
-        if (!cerrojo.tryLock(0))
-            return 5;
-        QTextStream(stdout) << "LISTO" << Qt::endl;
-        for (;;)
-            QThread::sleep(1);
-    }
-    QTextStream(stderr) << "uso: agenda_proceso agregar N PREFIJO [PAUSA_MS] | alternar FILAS" << Qt::endl;
-    return 2;
+    QLockFile cerrojo(args.value(2));
+    if (args.size() < 3 || args[1] != u"bloquear" || !cerrojo.tryLock(0))
+        return 2; // uso: agenda_proceso agregar N PREFIJO | alternar FILAS | bloquear CERROJO
+    QTextStream(stdout) << "LISTO" << Qt::endl;
+    for (;;)
+        QThread::sleep(1);
 }
