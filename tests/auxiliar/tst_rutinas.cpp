@@ -1,7 +1,10 @@
-// The auxiliary routines that are functions of their text alone: amounts in words, tax
-// identifiers and the send-keys syntax.
+// The auxiliary routines of the core library: amounts in words, tax identifiers, the send-keys
+// syntax and INI files.
+#include "comun/ficheros.h"
+
 #include <kvr/error.h>
 #include <kvr/identificacion.h>
+#include <kvr/ini.h>
 #include <kvr/letras.h>
 #include <kvr/teclasnombre.h>
 
@@ -9,6 +12,7 @@
 #include <QKeySequence>
 #include <QProcess>
 #include <QRandomGenerator>
+#include <QTemporaryDir>
 #include <QtTest>
 
 using namespace kvr;
@@ -25,10 +29,33 @@ QString resultado(const std::function<QString()> &llamada)
     }
 }
 
+// A file as an older program leaves it: Windows-1252, CR LF, comments, odd spacing, a key twice,
+// a section twice under another case, a line with no "=", and no line end at the end.
+const QByteArray kViejo =
+    "; Notas de la aplicaci\xf3n\r\n"
+    "[General]\r\n"
+    "Usuario = Pepe P\xe9rez \r\n"
+    "  Ruta=C:\\DATOS\r\n"
+    "usuario=segundo\r\n"
+    "Vac\xed" "a=\r\n"
+    "Comillas = \"  hola  \"\r\n"
+    "\r\n"
+    "[general]\r\n"
+    "Usuario=otra secci\xf3n\r\n"
+    "[A\xf1o 2026]\r\n"
+    "Importe=1.234,56 \x80\r\n"
+    ";Clave=comentario\r\n"
+    "SinIgual\r\n"
+    "\xdaltima=s\xed";
+
 } // namespace
 
 class TstRutinas : public QObject {
     Q_OBJECT
+private:
+    QTemporaryDir m_dir;
+    QString fichero() const { return m_dir.filePath(u"prueba.ini"_qs); }
+
 private Q_SLOTS:
     // One row a rule. No currency: NumeroEnLetras; "error N": the run-time error it raises.
     void enLetras_data()
@@ -110,9 +137,8 @@ private Q_SLOTS:
         QRandomGenerator azar(2026);
         QStringList nuestras;
         for (int i = 0; i < 2000; ++i) {
-            QString cuerpo(primeras[azar.bounded(int(primeras.size()))]);
-            while (cuerpo.size() < 8)
-                cuerpo += QChar(u'0' + azar.bounded(10));
+            const QString cuerpo = primeras[azar.bounded(int(primeras.size()))]
+                + QStringLiteral("%1").arg(azar.bounded(10'000'000), 7, 10, QChar(u'0'));
             nuestras << cuerpo + ValidarIdentificacionFiscal(cuerpo + u'?').control;
         }
         // The control we give a body with a wrong one, checked by stdnum: it prints each identifier
@@ -166,6 +192,102 @@ print(*[n for n in sys.argv[1:] if not nif.is_valid(n)], len(sys.argv) - 1)
             return r.join(u' ');
         };
         QCOMPARE(resultado(analizar), pulsaciones);
+    }
+
+    void leer_data()
+    {
+        QTest::addColumn<QString>("seccionYClave");
+        QTest::addColumn<QString>("esperado");
+        QTest::newRow("blancos y mayúsculas") << u"general|USUARIO"_qs << u"Pepe Pérez"_qs;
+        QTest::newRow("vacía no es la omisión") << u"General|vacía"_qs << QString();
+        QTest::newRow("comillas") << u"General|Comillas"_qs << u"  hola  "_qs;
+        QTest::newRow("sección con eñe") << u"AÑO 2026|importe"_qs << u"1.234,56 €"_qs;
+        QTest::newRow("última línea sin fin") << u"año 2026|ÚLTIMA"_qs << u"sí"_qs;
+        QTest::newRow("comentario no es clave") << u"Año 2026|;Clave"_qs << u"omisión"_qs;
+        QTest::newRow("línea sin igual") << u"Año 2026|SinIgual"_qs << u"omisión"_qs;
+        QTest::newRow("clave de otra sección") << u"Año 2026|Usuario"_qs << u"omisión"_qs;
+        QTest::newRow("sin sección") << u"Falta|Usuario"_qs << u"omisión"_qs;
+    }
+    void leer()
+    {
+        QFETCH(QString, seccionYClave);
+        QFETCH(QString, esperado);
+        prueba::escribir(fichero(), kViejo);
+        const QStringList sc = seccionYClave.split(u'|');
+        QCOMPARE(LeerIni(fichero(), sc[0], sc[1], u"omisión"_qs), esperado);
+    }
+
+    // Each write or delete against the bytes it must leave: only its own lines differ. The order
+    // is "section|key|value" to write, "section|key" to delete a key, "section" to delete it all;
+    // a refused one (error) leaves the file as it was.
+    void cambiar_data()
+    {
+        QTest::addColumn<QByteArray>("antes");
+        QTest::addColumn<QString>("orden");
+        QTest::addColumn<QByteArray>("despues");
+        QTest::addColumn<QString>("error");
+        const QByteArray &V = kViejo;
+        QTest::newRow("valor de una clave") << V << u"general|USUARIO|Ana Núñez"_qs
+            << QByteArray(V).replace("Usuario = Pepe P\xe9rez \r\n", "Usuario = Ana N\xfa\xf1" "ez\r\n") << QString();
+        QTest::newRow("clave nueva tras la última de su sección") << V << u"General|Nueva|1"_qs
+            << QByteArray(V).replace("hola  \"\r\n", "hola  \"\r\nNueva=1\r\n") << QString();
+        // The last line has no line end: it gets one.
+        QTest::newRow("sección nueva") << V << u"Nueva|k|v"_qs << V + "\r\n\r\n[Nueva]\r\nk=v\r\n" << QString();
+        QTest::newRow("carácter que Windows-1252 no tiene") << V << u"General|Ruta|Łódź"_qs
+            << QByteArray(V).replace("Ruta=C:\\DATOS", "Ruta=?\xf3" "d?") << QString();
+        QTest::newRow("borrar clave") << V << u"GENERAL|ruta"_qs
+            << QByteArray(V).replace("  Ruta=C:\\DATOS\r\n", "") << QString();
+        QTest::newRow("borrar clave que falta") << V << u"General|Falta"_qs << V << QString();
+        QTest::newRow("borrar sección y su línea en blanco") << V << u"general"_qs
+            << V.mid(V.indexOf("[general]")).prepend("; Notas de la aplicaci\xf3n\r\n") << QString();
+        QTest::newRow("borrar la última sección") << V << u"Año 2026"_qs
+            << V.left(V.indexOf("[A\xf1o")) << QString();
+        QTest::newRow("fichero nuevo en Windows-1252") << QByteArray() << u"Notas|Día|café"_qs
+            << QByteArray("[Notas]\r\nD\xed" "a=caf\xe9\r\n") << QString();
+        QTest::newRow("fichero nuevo en UTF-8 si hace falta") << QByteArray() << u"Notas|k|Łódź"_qs
+            << QByteArray("[Notas]\r\nk=\xc5\x81\xc3\xb3" "d\xc5\xba\r\n") << QString();
+        QTest::newRow("UTF-8 sigue en UTF-8 y LF") << QByteArray("[S]\nk=a\xc3\xb1o\n") << u"S|j|é"_qs
+            << QByteArray("[S]\nk=a\xc3\xb1o\nj=\xc3\xa9\n") << QString();
+        // Found by the fuzzer: a mark at the start of a key is part of its name, not dropped as the
+        // file's own mark is.
+        QTest::newRow("marca al principio de clave") << QByteArray("\xEF\xBB\xBF[S]\r\n\xEF\xBB\xBFk=1\r\n")
+            << u"S|\uFEFFk|2"_qs << QByteArray("\xEF\xBB\xBF[S]\r\n\xEF\xBB\xBFk=2\r\n") << QString();
+        QTest::newRow("sección con corchete") << V << u"a]b|k|v"_qs << V << u"error 5"_qs;
+        QTest::newRow("clave con igual") << V << u"s|k=1|v"_qs << V << u"error 5"_qs;
+        QTest::newRow("valor con salto") << V << u"s|k|v\r\nw=1"_qs << V << u"error 5"_qs;
+        QTest::newRow("clave que sería comentario") << V << u"s|;k|v"_qs << V << u"error 5"_qs;
+        QTest::newRow("nombre que Windows-1252 no tiene") << V << u"Łódź|k|v"_qs << V << u"error 5"_qs;
+        QTest::newRow("el fichero es una carpeta") << V << u"s|k|v"_qs << V << u"error 75"_qs;
+    }
+    void cambiar()
+    {
+        QFETCH(QByteArray, antes);
+        QFETCH(QString, orden);
+        QFETCH(QByteArray, despues);
+        QFETCH(QString, error);
+        QFile::remove(fichero());
+        if (!antes.isEmpty())
+            prueba::escribir(fichero(), antes);
+        const QString f = error == u"error 75" ? m_dir.path() : fichero(); // 75: the file is a folder
+        const QStringList o = orden.split(u'|');
+        const auto cambio = [&] {
+            if (o.size() == 3)
+                GrabarIni(f, o[0], o[1], o[2]);
+            else
+                BorrarIni(f, o[0], o.value(1));
+            return QString();
+        };
+        QCOMPARE(resultado(cambio), error);
+        QCOMPARE(prueba::leer(fichero()), despues);
+    }
+
+    // The notes file is in the phone book's "TLF" folder; until written, it reads as the default.
+    void ficheroNotas()
+    {
+        qputenv("TLF", QFile::encodeName(m_dir.path()));
+        QCOMPARE(FicheroNotas(), m_dir.path() + u"/Notas.INI"_qs);
+        QCOMPARE(LeerIni(FicheroNotas(), u"a"_qs, u"b"_qs, u"x"_qs), u"x"_qs);
+        qunsetenv("TLF");
     }
 };
 
