@@ -176,16 +176,15 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("modo");
         QTest::addColumn<QString>("clase");
-        QTest::addColumn<int>("filas");
-        QTest::newRow("nombres con mayúsculas desc") << 8 << u"nombres"_qs << 20000;
-        QTest::newRow("todas iguales asc") << 5 << u"iguales"_qs << 70000;
-        QTest::newRow("texto fuera de Latin-1") << 7 << u"mezcla"_qs << 20000;
+        QTest::newRow("nombres con mayúsculas desc") << 8 << u"nombres"_qs;
+        QTest::newRow("todas iguales asc") << 5 << u"iguales"_qs;
+        QTest::newRow("texto fuera de Latin-1") << 7 << u"mezcla"_qs;
     }
     void ordenarGrande()
     {
         QFETCH(int, modo);
         QFETCH(QString, clase);
-        QFETCH(int, filas);
+        const int filas = 70000; // more than a part split by one byte may hold
         // Columns: key, order before the sort, a number to shuffle the rows by.
         Rejilla r;
         llenar(r, 3, {});
@@ -319,6 +318,8 @@ private Q_SLOTS:
         QCOMPARE(datos(r), u",a,b|,d,e|,3b,3c"_qs);
     }
 
+    // The notices a view follows: one per change with its rows; none while Redraw is off and one
+    // reset when it comes back on, none for off and on without a change; none once removed.
     void avisos()
     {
         Rejilla r;
@@ -328,25 +329,20 @@ private Q_SLOTS:
         r.AddItem(u"c\t3"_qs, 1);
         r.PonerTextMatrix(2, 1, u"x"_qs);
         r.RemoveItem(3);
-        QCOMPARE(reg.avisos, (QStringList{u"insertar 1-1"_qs, u"celdas 2,1-2,1"_qs, u"quitar 3-3"_qs}));
-        // With Redraw off nothing is said; turning it back on gives one reset.
-        reg.avisos.clear();
+        reg.avisos << u"|"_qs;
         r.PonerRedraw(false);
         for (int i = 0; i < 100; ++i)
             r.AddItem(u"z"_qs);
         r.PonerCol(0);
         r.Sort(OrdenTextoAsc);
-        QVERIFY(reg.avisos.isEmpty());
+        reg.avisos << u"Redraw:"_qs;
         r.PonerRedraw(true);
-        QCOMPARE(reg.avisos, (QStringList{u"antesReinicio"_qs, u"reinicio"_qs}));
-        // Redraw off and on without a change says nothing.
-        reg.avisos.clear();
+        reg.avisos << u"|"_qs;
         r.PonerRedraw(false);
         r.PonerRedraw(true);
-        QVERIFY(reg.avisos.isEmpty());
         r.QuitarOyente(&reg);
         r.AddItem(u"w"_qs);
-        QVERIFY(reg.avisos.isEmpty());
+        QCOMPARE(reg.avisos.join(u' '), u"insertar 1-1 celdas 2,1-2,1 quitar 3-3 | Redraw: antesReinicio reinicio |"_qs);
     }
 
     void descriptores_data()
@@ -416,10 +412,9 @@ private Q_SLOTS:
     {
         Rejilla r;
         CargarVisor(r, u"Clave;Valor"_qs); // one fixed column stays from the new grid
-        PonerCelda(r, 1, 0, u"k1"_qs);
-        PonerCelda(r, 1, 1, u"v1"_qs);
-        PonerCelda(r, 2, 0, u"k2"_qs);
-        PonerCelda(r, 2, 1, u"v2"_qs);
+        r.PonerRows(1);
+        r.AddItem(u"k1\tv1"_qs);
+        r.AddItem(u"k2\tv2"_qs);
         LimpiarVisor(r);
         QCOMPARE(datos(r), u"k1,|k2,"_qs); // the fixed column untouched
         QCOMPARE(r.TextMatrix(0, 1), u"Valor"_qs);
@@ -541,7 +536,7 @@ private Q_SLOTS:
         QAbstractItemModelTester tester(v.model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
         v.rejilla().PonerFixedCols(0);
         cargarAgenda(v);
-        v.resize(800, 300);
+        v.resize(900, 300);
         v.show();
         QCoreApplication::processEvents();
         QAbstractItemModel *m = v.model();
@@ -571,6 +566,53 @@ private Q_SLOTS:
         QVERIFY(m->headerData(2, Qt::Horizontal, Qt::FontRole).value<QFont>().bold());
         QVERIFY(!m->headerData(1, Qt::Horizontal, Qt::FontRole).value<QFont>().bold());
         QVERIFY(v.isVisible()); // shown again after the sort
+        // Mouse gestures: the signals given, with the cell under the mouse, then the current cell.
+        QString visto;
+        const auto anotar = [&visto, &v](const char *nombre) {
+            return [&visto, &v, nombre](int f, int c) {
+                visto += u"%1 %2,%3 ratón %4,%5, "_qs.arg(QLatin1String(nombre)).arg(f).arg(c).arg(v.MouseRow())
+                             .arg(v.MouseCol());
+            };
+        };
+        const auto actual = [&] { visto += u"actual %1,%2 | "_qs.arg(v.rejilla().Row()).arg(v.rejilla().Col()); };
+        connect(&v, &VisorRejilla::Click, anotar("Click"));
+        connect(&v, &VisorRejilla::ClickDerecho, anotar("ClickDerecho"));
+        connect(&v, &VisorRejilla::DobleClick, anotar("DobleClick"));
+        v.rejilla().PonerRow(1);
+        v.rejilla().PonerCol(1);
+        prueba::clicCelda(&v, 1, 2);
+        actual();
+        QHeaderView *titulos = v.horizontalHeader();
+        QTest::mouseClick(titulos->viewport(), Qt::LeftButton, {},
+                          QPoint(titulos->sectionViewportPosition(1) + 5, titulos->height() / 2));
+        actual();
+        prueba::clicCelda(&v, 2, 3, Qt::RightButton); // the right button does not move
+        actual();
+        QTest::mouseDClick(v.viewport(), Qt::LeftButton, {}, v.visualRect(m->index(1, 1)).center());
+        actual();
+        QCOMPARE(visto, u"Click 2,2 ratón 2,2, actual 2,2 | Click 0,1 ratón 0,1, actual 2,2 | "
+                        "ClickDerecho 3,3 ratón 3,3, actual 2,2 | DobleClick 2,1 ratón 2,1, actual 2,1 | "_qs);
+        // Changes under Redraw off reach the view as one reset when it comes back on; until then the
+        // view keeps the rows it was told of, and a paint must not reach past them. With Redraw on,
+        // structural changes reach it one by one.
+        QSignalSpy reinicio(m, &QAbstractItemModel::modelReset);
+        Rejilla &r = v.rejilla();
+        r.PonerRedraw(false);
+        for (int i = 0; i < 500; ++i)
+            r.AddItem(u"\tNombre %1"_qs.arg(i));
+        r.RemoveItem(1);
+        QCOMPARE(m->rowCount(), 3);
+        QCoreApplication::processEvents();
+        r.PonerRedraw(true);
+        QCOMPARE(reinicio.size(), 1);
+        QCOMPARE(m->rowCount(), 502);
+        QCOMPARE(m->index(501, 1).data().toString(), u"Nombre 499"_qs);
+        r.AddItem(u"\tprimero"_qs, 1);
+        r.PonerCols(6);
+        r.PonerTextMatrix(0, 5, u"Nueva"_qs);
+        QCOMPARE(m->headerData(5, Qt::Horizontal).toString(), u"Nueva"_qs);
+        QCOMPARE(m->index(0, 1).data().toString(), u"primero"_qs);
+        QCOMPARE(reinicio.size(), 1);
         // Hidden rows follow RowHeight: a row of height 0 leaves the view, rows after it move up,
         // and it comes back in its place; under Redraw off the same comes with the one reset.
         const int filas = m->rowCount();
@@ -596,81 +638,6 @@ private Q_SLOTS:
         QCOMPARE(v.rejilla().ColWidth(1), 34 * 240);
         QCOMPARE(v.rejilla().ColWidth(0), 0);
         QCOMPARE(v.columnWidth(1), v.pixeles(34 * 240));
-    }
-
-    // The signals a gesture gives, in order, then the cell under the mouse and the current cell.
-    void raton_data()
-    {
-        QTest::addColumn<QString>("gesto");
-        QTest::addColumn<int>("filaVista"); // -1: the header
-        QTest::addColumn<int>("col");
-        QTest::addColumn<QString>("visto");
-        QTest::newRow("clic en celda") << u"clic"_qs << 1 << 2 << u"Click 2,2 | ratón 2,2 actual 2,2"_qs;
-        QTest::newRow("clic en título") << u"clic"_qs << -1 << 1 << u"Click 0,1 | ratón 0,1 actual 1,1"_qs;
-        QTest::newRow("derecho no mueve") << u"derecho"_qs << 2 << 3
-                                          << u"ClickDerecho 3,3 | ratón 3,3 actual 1,1"_qs;
-        QTest::newRow("doble clic") << u"doble"_qs << 1 << 1 << u"DobleClick 2,1 | ratón 2,1 actual 2,1"_qs;
-    }
-    void raton()
-    {
-        QFETCH(QString, gesto);
-        QFETCH(int, filaVista);
-        QFETCH(int, col);
-        QFETCH(QString, visto);
-        VisorRejilla v;
-        v.rejilla().PonerFixedCols(0);
-        cargarAgenda(v);
-        v.resize(900, 300);
-        v.show();
-        QCoreApplication::processEvents();
-        v.rejilla().PonerRow(1);
-        v.rejilla().PonerCol(1);
-        QStringList senales;
-        const auto anotar = [&](const char *nombre) {
-            return [&senales, nombre](int f, int c) { senales << u"%1 %2,%3"_qs.arg(QLatin1String(nombre)).arg(f).arg(c); };
-        };
-        connect(&v, &VisorRejilla::Click, anotar("Click"));
-        connect(&v, &VisorRejilla::ClickDerecho, anotar("ClickDerecho"));
-        connect(&v, &VisorRejilla::DobleClick, anotar("DobleClick"));
-        QHeaderView *titulos = v.horizontalHeader();
-        if (filaVista < 0)
-            QTest::mouseClick(titulos->viewport(), Qt::LeftButton, {},
-                              QPoint(titulos->sectionViewportPosition(col) + 5, titulos->height() / 2));
-        else if (gesto == u"doble")
-            QTest::mouseDClick(v.viewport(), Qt::LeftButton, {},
-                               v.visualRect(v.model()->index(filaVista, col)).center());
-        else
-            prueba::clicCelda(&v, filaVista, col, gesto == u"derecho" ? Qt::RightButton : Qt::LeftButton);
-        QCOMPARE(senales.join(u' ') + u" | ratón %1,%2 actual %3,%4"_qs.arg(v.MouseRow()).arg(v.MouseCol())
-                     .arg(v.rejilla().Row()).arg(v.rejilla().Col()), visto);
-    }
-
-    void redrawAplazado()
-    {
-        VisorRejilla v;
-        QAbstractItemModelTester tester(v.model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
-        cargarAgenda(v);
-        v.show();
-        QCoreApplication::processEvents();
-        QSignalSpy reinicio(v.model(), &QAbstractItemModel::modelReset);
-        Rejilla &r = v.rejilla();
-        r.PonerRedraw(false);
-        for (int i = 0; i < 500; ++i)
-            r.AddItem(u"\tNombre %1"_qs.arg(i));
-        r.RemoveItem(1);
-        QCOMPARE(v.model()->rowCount(), 3); // what the view was told
-        QCoreApplication::processEvents();  // a paint now must not reach past the told rows
-        r.PonerRedraw(true);
-        QCOMPARE(reinicio.size(), 1);
-        QCOMPARE(v.model()->rowCount(), 502);
-        QCOMPARE(v.model()->index(501, 1).data().toString(), u"Nombre 499"_qs);
-        // Structural changes with Redraw on reach the view one by one.
-        r.AddItem(u"\tprimero"_qs, 1);
-        r.PonerCols(6);
-        r.PonerTextMatrix(0, 5, u"Nueva"_qs);
-        QCOMPARE(v.model()->headerData(5, Qt::Horizontal).toString(), u"Nueva"_qs);
-        QCOMPARE(v.model()->index(0, 1).data().toString(), u"primero"_qs);
-        QCOMPARE(reinicio.size(), 1);
     }
 
 };

@@ -39,14 +39,6 @@ void llenar(Rejilla &g, const QStringList &elementos)
         PonerCelda(g, i + 1, 0, elementos[i]);
 }
 
-QStringList elementos(const Rejilla &g)
-{
-    QStringList r;
-    for (int f = 1; f < g.Rows(); ++f)
-        r.append(g.TextMatrix(f, 0));
-    return r;
-}
-
 } // namespace
 
 class TstTablas : public QObject {
@@ -145,7 +137,7 @@ private Q_SLOTS:
         if (!disco.isEmpty())
             escribir(fichero, disco);
         FicheroTabla(u"CARGAR"_qs, fichero, g);
-        QCOMPARE(elementos(g), despues);
+        QCOMPARE(ElementosTabla(g), despues);
     }
 
     // Only GRABAR over an existing file asks; the answer decides whether the old file is kept.
@@ -172,14 +164,13 @@ private Q_SLOTS:
         QFETCH(QString, visto);
         ServiciosGrabados s;
         s.respuesta = respuesta;
-        const QString fichero = ruta(u"sobre.txt"_qs);
+        QString fichero = ruta(u"sobre.txt"_qs);
         QFile::remove(fichero);
         if (existe)
             escribir(fichero, "VIEJO\r\n");
         Rejilla g;
         llenar(g, {u"NUEVO"_qs});
-        QString f = fichero;
-        FicheroTabla(operacion, f, g);
+        FicheroTabla(operacion, fichero, g);
         QString preguntas;
         for (const MensajeGrabado &m : s.mensajes) {
             QCOMPARE(m.texto, u"Fichero "_qs + fichero + u" existe en disco. Se Sobreescribirá."_qs);
@@ -187,7 +178,6 @@ private Q_SLOTS:
             preguntas += u"pregunta, "_qs;
         }
         QCOMPARE(preguntas + QString::fromUtf8(leer(fichero)), visto);
-        QVERIFY(s.entradas.isEmpty());
     }
 
     // File errors raise the error with the file's name and leave every file as it was. The
@@ -237,35 +227,22 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(ruta(u"falta"_qs)));
     }
 
-    void dimensionar_data()
-    {
-        QTest::addColumn<QString>("titulo");
-        QTest::addColumn<int>("anchoVisorTwips");
-        QTest::newRow("25 caracteres") << u"Provincia#25"_qs << 25 * 120 + 320;
-        // Too narrow for the three buttons: the grid keeps them apart.
-        QTest::newRow("2 caracteres: ancho mínimo") << u"Sí#2"_qs << -1;
-    }
+    // Prepared over a host: at its position, keeping its own height, the default field tag, the
+    // file name as its tag. A title too narrow for the three buttons: the grid keeps them apart.
     void dimensionar()
     {
-        QFETCH(QString, titulo);
-        QFETCH(int, anchoVisorTwips);
         QWidget anfitrion;
         anfitrion.setGeometry(130, 90, 500, 400);
         anfitrion.show();
         QVERIFY(QTest::qWaitForWindowExposed(&anfitrion));
         m_t = new frmTablas;
         const int alto = m_t->height();
-        m_t->Dimensionar(&anfitrion, m_tabla, titulo);
+        m_t->Dimensionar(&anfitrion, m_tabla, u"Sí#2"_qs);
         QCOMPARE(m_t->windowTitle(), u"Edición de Tablas"_qs);
         QCOMPARE(TagDe(m_t), m_tabla);
         QCOMPARE(TagDe(elemento()), u"T(M) L(15) A(I)"_qs);
         QCOMPARE(m_t->pos(), anfitrion.pos());
         QCOMPARE(m_t->height(), alto);
-        // The grid is as wide as its column (titles in twips, 120 a character, and its margin),
-        // never so narrow that the buttons below it overlap.
-        VisorRejilla *v = m_t->VisorTabla();
-        if (anchoVisorTwips > 0)
-            QCOMPARE(v->width(), v->pixeles(anchoVisorTwips));
         QVERIFY(control(m_t, "cmdAceptar")->geometry().right() < control(m_t, "cmdGrabar")->x());
         QVERIFY(control(m_t, "cmdGrabar")->geometry().right() < control(m_t, "cmdSalir")->x());
         for (const char *n : {"VisorTabla", "Elemento", "Marco", "cmdAceptar", "cmdGrabar", "cmdSalir"})
@@ -282,6 +259,8 @@ private Q_SLOTS:
     {
         abrir(m_tabla);
         VisorRejilla *v = m_t->VisorTabla();
+        // As wide as its column (titles in twips, 120 a character) and its margin.
+        QCOMPARE(v->width(), v->pixeles(25 * 120 + 320));
         QTest::mouseClick(v->viewport(), Qt::LeftButton, {}, QPoint(20, v->viewport()->height() - 3));
         QCOMPARE(estado(), u"0 «» VisorTabla limpio"_qs);
         clicFila(3);
@@ -382,7 +361,6 @@ private Q_SLOTS:
     // table goes.
     void sinNombre()
     {
-        QPoint esquina;
         {
             ServiciosGrabados s;
             s.aceptarEntrada = true;
@@ -398,9 +376,6 @@ private Q_SLOTS:
             clic("cmdGrabar");
             QCOMPARE(s.entradas.size(), 3);
             QCOMPARE(s.entradas[2].pregunta, u"Path y Nombre del fichero a REGRABAR"_qs);
-            esquina = m_t->VisorTabla()->mapToGlobal(QPoint(0, 0));
-            QCOMPARE(s.entradas[2].xTwips, int(std::lround(esquina.x() * 1440.0 / m_t->logicalDpiX())));
-            QCOMPARE(s.entradas[2].yTwips, int(std::lround(esquina.y() * 1440.0 / m_t->logicalDpiY())));
             QCOMPARE(TagDe(m_t), QString());
             QCOMPARE(leer(s.respuestaEntrada), provincias + "SORIA\r\n");
             // Cancelled: nothing written, and the mark is cleared all the same.
@@ -417,26 +392,20 @@ private Q_SLOTS:
         const QString destino = ruta(u"real.txt"_qs);
         QString visto;
         QPoint donde;
-        QTimer::singleShot(0, qApp, [&] {
-            auto *caja = qobject_cast<QInputDialog *>(QApplication::activeModalWidget());
-            if (!caja || !QTest::qWaitForWindowExposed(caja))
-                return;
+        alAbrirse([&](QWidget *caja) {
             QStringList botones;
             for (auto *b : caja->findChildren<QPushButton *>())
                 botones.append(b->text());
             botones.sort();
-            visto = caja->windowTitle() + u" | "_qs + caja->labelText() + u" | "_qs + botones.join(u',');
+            auto *entrada = qobject_cast<QInputDialog *>(caja);
+            visto = caja->windowTitle() + u" | "_qs + entrada->labelText() + u" | "_qs + botones.join(u',');
             donde = caja->pos();
-            auto *campo = caja->findChild<QLineEdit *>();
-            campo->setFocus();
-            QTest::keyClicks(campo, destino);
-            for (auto *b : caja->findChildren<QPushButton *>())
-                if (b->text() == u"Aceptar")
-                    QTest::mouseClick(b, Qt::LeftButton);
+            entrada->setTextValue(destino);
+            QTest::keyClick(caja, Qt::Key_Return);
         });
         clic("cmdGrabar");
         QCOMPARE(visto, u"Editor de Tablas de PQD | Path y Nombre del fichero a REGRABAR | Aceptar,Cancelar"_qs);
-        QCOMPARE(donde, esquina);
+        QCOMPARE(donde, m_t->VisorTabla()->mapToGlobal(QPoint(0, 0))); // at the grid's corner
         QCOMPARE(leer(destino), provincias + "SORIA\r\nTERUEL\r\n");
     }
 };
