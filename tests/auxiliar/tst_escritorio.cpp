@@ -60,9 +60,9 @@ QByteArray zipCrudo(const QList<Cruda> &entradas)
         c.writeRawData(e.nombre.constData(), int(e.nombre.size()));
     }
     const auto inicio = quint32(zip.size());
-    const auto n = quint16(entradas.size());
     z.writeRawData(central.constData(), int(central.size()));
-    z << quint32(0x06054b50) << quint32(0) << n << n << quint32(central.size()) << inicio << quint16(0);
+    z << quint32(0x06054b50) << quint32(0) << quint16(entradas.size()) << quint16(entradas.size())
+      << quint32(central.size()) << inicio << quint16(0);
     return zip;
 }
 
@@ -72,15 +72,14 @@ class TstEscritorio : public QObject {
     Q_OBJECT
 private:
     QTemporaryDir m_dir;
-    QString m_origen;      // holds "datos" (the tree) and "Notas.INI"
-    QString m_deZip;
+    const QString m_origen = m_dir.filePath(u"origen"_qs); // holds "datos" (the tree) and "Notas.INI"
+    const QString m_deZip = m_dir.filePath(u"de zip.zip"_qs); // Info-ZIP's archive of the tree
 
     QString ruta(const QString &r) const { return m_dir.filePath(r); }
 
 private Q_SLOTS:
     void initTestCase()
     {
-        m_origen = ruta(u"origen"_qs);
         const QString d = m_origen + u"/datos"_qs;
         QVERIFY(QDir().mkpath(d + u"/Año 2026/Facturación"_qs));
         QVERIFY(QDir().mkpath(d + u"/ñandú/más vacía"_qs));
@@ -92,8 +91,6 @@ private Q_SLOTS:
         QRandomGenerator(9).fillRange(reinterpret_cast<quint32 *>(ruido.data()), ruido.size() / 4);
         prueba::escribir(d + u"/ñandú/grande.bin"_qs, QByteArray("Apunte;EUR\n").repeated(1 << 17) + ruido);
         prueba::escribir(m_origen + u"/Notas.INI"_qs, "[General]\r\nClave=1\r\n");
-        // Info-ZIP's archive of the tree, restored by several tests.
-        m_deZip = ruta(u"de zip.zip"_qs);
         QVERIFY(QDir::setCurrent(m_origen));
         QCOMPARE(QProcess::execute(u"zip"_qs, {u"-r"_qs, u"-q"_qs, m_deZip, u"datos"_qs, u"Notas.INI"_qs}), 0);
     }
@@ -120,8 +117,7 @@ private Q_SLOTS:
             QVERIFY(ExtraerZip(m_deZip, destino, aviso));
         }
         QCOMPARE(QProcess::execute(u"diff"_qs, {u"-r"_qs, u"--no-dereference"_qs, m_origen, destino}), 0);
-        QVERIFY(avisos.size() > 5);
-        QVERIFY(std::is_sorted(avisos.begin(), avisos.end()));
+        QVERIFY(avisos.size() > 5 && std::is_sorted(avisos.begin(), avisos.end()));
         QCOMPARE(avisos.back(), 1.0);
     }
 
