@@ -325,7 +325,7 @@ bool Restauracion::extraer(const Entrada &e, qint64 &hecho, qint64 total)
         return fallo(QStringLiteral("No se puede escribir %1: %2.").arg(destino, tmp.errorString()));
     if (e.modo)
         tmp.setPermissions(QFileDevice::Permissions::fromInt(
-            ((e.modo & 0700) << 6) | ((e.modo & 0700) >> 2) | ((e.modo & 070) << 1) | (e.modo & 07)));
+            ((e.modo & 0700) << 6) | ((e.modo & 0700) << 2) | ((e.modo & 070) << 1) | (e.modo & 07)));
     if (e.fecha)
         tmp.setFileTime(QDateTime::fromSecsSinceEpoch(e.fecha), QFileDevice::FileModificationTime);
     tmp.close();

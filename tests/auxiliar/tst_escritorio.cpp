@@ -66,6 +66,17 @@ QByteArray zipCrudo(const QList<Cruda> &entradas)
     return zip;
 }
 
+// Every entry's permission bits below a folder, sorted, as find(1) lists them.
+QByteArrayList modos(const QString &carpeta)
+{
+    QProcess find;
+    find.start(u"find"_qs, {carpeta, u"-mindepth"_qs, u"1"_qs, u"-printf"_qs, u"%P %m\\n"_qs});
+    find.waitForFinished();
+    QByteArrayList r = find.readAllStandardOutput().split('\n');
+    std::sort(r.begin(), r.end());
+    return r;
+}
+
 } // namespace
 
 class TstEscritorio : public QObject {
@@ -91,6 +102,9 @@ private Q_SLOTS:
         QRandomGenerator(9).fillRange(reinterpret_cast<quint32 *>(ruido.data()), ruido.size() / 4);
         prueba::escribir(d + u"/ñandú/grande.bin"_qs, QByteArray("Apunte;EUR\n").repeated(1 << 17) + ruido);
         prueba::escribir(m_origen + u"/Notas.INI"_qs, "[General]\r\nClave=1\r\n");
+        // Private and executable files keep their permission bits both ways.
+        QFile::setPermissions(m_origen + u"/Notas.INI"_qs, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        QFile::setPermissions(d + u"/.oculto"_qs, QFileDevice::Permissions(0x7755));
         QVERIFY(QDir::setCurrent(m_origen));
         QCOMPARE(QProcess::execute(u"zip"_qs, {u"-r"_qs, u"-q"_qs, m_deZip, u"datos"_qs, u"Notas.INI"_qs}), 0);
     }
@@ -117,6 +131,7 @@ private Q_SLOTS:
             QVERIFY(ExtraerZip(m_deZip, destino, aviso));
         }
         QCOMPARE(QProcess::execute(u"diff"_qs, {u"-r"_qs, u"--no-dereference"_qs, m_origen, destino}), 0);
+        QCOMPARE(modos(destino), modos(m_origen));
         QVERIFY(avisos.size() > 5 && std::is_sorted(avisos.begin(), avisos.end()));
         QCOMPARE(avisos.back(), 1.0);
     }
