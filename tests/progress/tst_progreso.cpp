@@ -30,14 +30,16 @@ QWidget *ventana()
     return encontrada;
 }
 
-QString texto(const char *nombre)
+// What the window shows: the bar's maximum, position and tag, the percentage, the elapsed and
+// the estimated time, "|" between.
+QString vista()
 {
-    return control<QLabel>(ventana(), QString::fromLatin1(nombre))->text();
-}
-
-QProgressBar *barra()
-{
-    return control<QProgressBar>(ventana(), u"Barra");
+    auto *barra = control<QProgressBar>(ventana(), u"Barra");
+    QStringList r{QString::number(barra->maximum()), QString::number(barra->value()),
+                  barra->property("tag").toString()};
+    for (const char *c : {"BarraPor", "BarraTra", "BarraEst"})
+        r << control<QLabel>(ventana(), QString::fromLatin1(c))->text();
+    return r.join(u'|');
 }
 
 } // namespace
@@ -47,67 +49,41 @@ class TstProgreso : public QObject {
     Reloj m_reloj;
 
 private Q_SLOTS:
-    void init()
-    {
-        QLocale::setDefault(QLocale::c());
-        m_reloj.hora = QTime(10, 0);
-    }
+    void init() { QLocale::setDefault(QLocale::c()); }
     void cleanup() { BarraProgreso(ProgresoCerrar); }
 
-    // One start, the clock moved, one advance: the bar's maximum and position, then the
-    // percentage, the elapsed and the estimated time.
+    // One start at a time of the clock ("minimo maximo inicio ahora valor"), the clock moved,
+    // one advance, which redraws without force: what the window shows.
     void avance_data()
     {
         QTest::addColumn<QString>("locale");
-        QTest::addColumn<float>("minimo");
-        QTest::addColumn<float>("maximo");
-        QTest::addColumn<QTime>("inicio");
-        QTest::addColumn<QTime>("ahora");
-        QTest::addColumn<float>("valor");
+        QTest::addColumn<QString>("entrada");
         QTest::addColumn<QString>("vista");
-        const QTime diez(10, 0);
-        QTest::newRow("coma decimal") << "es_ES" << 0.f << 1000.f << diez << QTime(10, 0, 30) << 500.f
-                                      << "1000|500|50,00 %|00:00:30|00:01:00";
-        QTest::newRow("menos de un uno por ciento") << "C" << 0.f << 1000.f << diez << QTime(10, 0, 10) << 5.f
-                                                    << "1000|5|.50 %|00:00:10|00:33:20";
-        QTest::newRow("horas") << "C" << 0.f << 100.f << QTime(1, 0) << QTime(2, 2, 5) << 50.f
-                               << "100|50|50.00 %|01:02:05|02:04:10";
-        QTest::newRow("milisegundos") << "C" << 0.f << 10.f << QTime(9, 59, 59, 600) << QTime(10, 0, 1, 500) << 5.f
-                                      << "10|5|50.00 %|00:00:01|00:00:03";
+        QTest::newRow("coma") << "es_ES" << "0 1000 10:00 10:00:30 500" << "1000|500||50,00 %|00:00:30|00:01:00";
+        QTest::newRow("menos de 1 %") << "C" << "0 1000 10:00 10:00:10 5" << "1000|5||.50 %|00:00:10|00:33:20";
+        QTest::newRow("horas") << "C" << "0 100 01:00 02:02:05 50" << "100|50||50.00 %|01:02:05|02:04:10";
+        QTest::newRow("milisegundos") << "C" << "0 10 09:59:59.600 10:00:01.500 5" << "10|5||50.00 %|00:00:01|00:00:03";
         // The percentage is of the maximum, not of the range above the minimum.
-        QTest::newRow("minimo por encima de cero") << "C" << 10.f << 20.f << diez << QTime(10, 0, 30) << 15.f
-                                                   << "20|15|75.00 %|00:00:30|00:00:40";
-        QTest::newRow("maximo no mayor que el minimo") << "C" << 0.f << 0.f << diez << QTime(10, 0, 4) << 1.f
-                                                       << "1|1|100.00 %|00:00:04|00:00:04";
-        QTest::newRow("fuera del intervalo") << "C" << 0.f << 1000.f << diez << QTime(10, 0, 30) << 1500.f
-                                             << "1000|0|150.00 %|00:00:30|00:00:20";
-        QTest::newRow("valor cero sin estimacion") << "C" << 0.f << 1000.f << diez << QTime(10, 0, 30) << 0.f
-                                                   << "1000|0|.00 %|00:00:30|mm:ss";
-        QTest::newRow("cien horas estimadas") << "C" << 0.f << 1000.f << diez << QTime(10, 6) << 1.f
-                                              << "1000|1|.10 %|00:06:00|00:00:00";
+        QTest::newRow("minimo no cero") << "C" << "10 20 10:00 10:00:30 15" << "20|15||75.00 %|00:00:30|00:00:40";
+        QTest::newRow("maximo <= minimo") << "C" << "0 0 10:00 10:00:04 1" << "1|1||100.00 %|00:00:04|00:00:04";
+        QTest::newRow("fuera de rango") << "C" << "0 1000 10:00 10:00:30 1500" << "1000|0||150.00 %|00:00:30|00:00:20";
+        QTest::newRow("valor cero") << "C" << "0 1000 10:00 10:00:30 0" << "1000|0||.00 %|00:00:30|mm:ss";
+        QTest::newRow("100 horas estimadas") << "C" << "0 1000 10:00 10:06 1" << "1000|1||.10 %|00:06:00|00:00:00";
         // Past midnight the elapsed time is negative and shown as it comes.
-        QTest::newRow("medianoche") << "C" << 0.f << 1000.f << QTime(23, 59, 50) << QTime(0, 0, 10) << 500.f
-                                    << "1000|500|50.00 %|77:41:60|53:41:80";
+        QTest::newRow("medianoche") << "C" << "0 1000 23:59:50 00:00:10 500" << "1000|500||50.00 %|77:41:60|53:41:80";
     }
     void avance()
     {
         QFETCH(QString, locale);
-        QFETCH(float, minimo);
-        QFETCH(float, maximo);
-        QFETCH(QTime, ahora);
-        QFETCH(float, valor);
+        QFETCH(QString, entrada);
         QLocale::setDefault(QLocale(locale));
-        QFETCH(QTime, inicio);
-        m_reloj.hora = inicio;
-        BarraProgreso(ProgresoIniciar, 0, false, minimo, maximo, QStringLiteral("Copiando"));
-        QVERIFY(ventana() && ventana()->isVisible());
-        QCOMPARE(texto("BarraTitulo") + barra()->property("tag").toString(), u"CopiandoINICIO"_qs);
-        m_reloj.hora = ahora;
-        BarraProgreso(ProgresoAvanzar, valor); // the first advance redraws without force
-        const QStringList vista{QString::number(barra()->maximum()), QString::number(barra()->value()),
-                                texto("BarraPor"), texto("BarraTra"), texto("BarraEst")};
-        QTEST(vista.join(u'|'), "vista");
-        QVERIFY(barra()->property("tag").toString().isEmpty());
+        const QStringList e = entrada.split(u' ');
+        m_reloj.hora = QTime::fromString(e[2], Qt::ISODateWithMs);
+        BarraProgreso(ProgresoIniciar, 0, false, e[0].toFloat(), e[1].toFloat(), u"T"_qs);
+        m_reloj.hora = QTime::fromString(e[3], Qt::ISODateWithMs);
+        BarraProgreso(ProgresoAvanzar, e[4].toFloat());
+        QCOMPARE(control<QLabel>(ventana(), u"BarraTitulo")->text(), u"T"_qs);
+        QTEST(vista(), "vista");
     }
 
     // Advances of every value 1..maximo: how many of them redraw the texts.
@@ -127,39 +103,37 @@ private Q_SLOTS:
         QFETCH(bool, forzar);
         BarraProgreso(ProgresoIniciar, 0, false, 0, float(maximo), QStringLiteral("Tarea"));
         int veces = 0;
-        QString antes = texto("BarraPor");
+        QString antes = vista();
         for (int i = 1; i <= maximo; ++i) {
             BarraProgreso(ProgresoAvanzar, float(i), forzar);
-            veces += texto("BarraPor") != antes;
-            antes = texto("BarraPor");
+            veces += vista().section(u'|', 3, 3) != antes.section(u'|', 3, 3);
+            antes = vista();
         }
         QTEST(veces, "veces");
-        QCOMPARE(antes, u"100.00 %"_qs);
+        QCOMPARE(antes.section(u'|', 3, 3), u"100.00 %"_qs);
     }
 
+    // Hidden, shown, an operation that does not exist, a new start, closed.
     void ciclo()
     {
         BarraProgreso(ProgresoIniciar, 0, false, 0, 10, QStringLiteral("Uno"));
         QPointer<QWidget> w = ventana();
-        QCOMPARE(texto("BarraLbl(0)") + texto("BarraLbl(1)") + texto("BarraLbl(2)"),
-                 u"TranscurridoPorcentajeEstimado"_qs);
-        QVERIFY(w->windowFlags() & Qt::FramelessWindowHint);
+        QCOMPARE(control<QLabel>(w, u"BarraLbl(0)")->text() + control<QLabel>(w, u"BarraLbl(1)")->text()
+                     + control<QLabel>(w, u"BarraLbl(2)")->text(), u"TranscurridoPorcentajeEstimado"_qs);
+        QVERIFY(w->isVisible() && (w->windowFlags() & Qt::FramelessWindowHint));
         BarraProgreso(ProgresoOcultar);
         QVERIFY(!w->isVisible());
         BarraProgreso(ProgresoAvanzar, 5); // a hidden window still follows the task
-        QCOMPARE(texto("BarraPor"), u"50.00 %"_qs);
         BarraProgreso(ProgresoMostrar);
-        BarraProgreso(9, 8, true); // no such operation
-        QCOMPARE(texto("BarraPor"), u"50.00 %"_qs);
+        BarraProgreso(9, 8, true);
         QVERIFY(w->isVisible());
-
+        QCOMPARE(vista(), u"10|5||50.00 %|00:00:00|00:00:00"_qs);
         // A new start reuses the window for the next task.
         BarraProgreso(ProgresoIniciar, 0, false, 0, 20, QStringLiteral("Dos"));
         QCOMPARE(ventana(), w.data());
-        QCOMPARE(texto("BarraTitulo") + barra()->property("tag").toString(), u"DosINICIO"_qs);
+        QCOMPARE(control<QLabel>(w, u"BarraTitulo")->text() + vista(), u"Dos20|0|INICIO|50.00 %|00:00:00|00:00:00"_qs);
         BarraProgreso(ProgresoAvanzar, 1);
-        QCOMPARE(texto("BarraPor"), u"5.00 %"_qs);
-
+        QCOMPARE(vista(), u"20|1||5.00 %|00:00:00|00:00:00"_qs);
         BarraProgreso(ProgresoCerrar);
         QVERIFY(w.isNull());
         BarraProgreso(ProgresoAvanzar, 2);
