@@ -66,13 +66,10 @@ class TstTablas : public QObject {
     }
 
 private Q_SLOTS:
-    void initTestCase()
+    void init()
     {
         QVERIFY(m_dir.isValid());
         m_tabla = ruta(u"provincias.txt"_qs);
-    }
-    void init()
-    {
         FactorX = FactorY = 0.0f;
         QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
         escribir(m_tabla, provincias);
@@ -87,13 +84,12 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("elementos");
         QTest::addColumn<QByteArray>("disco");
         QTest::newRow("vacíos y solo blancos fuera, blancos alrededor se quedan")
-            << QStringList{u"ALAVA"_qs, QString(), u"   "_qs, u" A "_qs, QString()} << QByteArray("ALAVA\r\n A \r\n");
-        QTest::newRow("un tabulador no es un blanco") << QStringList{u"\t"_qs} << QByteArray("\t\r\n");
-        QTest::newRow("acentos, eñe y euro en UTF-8")
-            << QStringList{u"CÁCERES"_qs, u"A CORUÑA"_qs, u"5 €"_qs}
+            << L({"ALAVA", "", "   ", " A ", ""}) << QByteArray("ALAVA\r\n A \r\n");
+        QTest::newRow("un tabulador no es un blanco") << L({"\t"}) << QByteArray("\t\r\n");
+        QTest::newRow("acentos, eñe y euro en UTF-8") << L({"CÁCERES", "A CORUÑA", "5 €"})
             << QByteArray("C\xc3\x81" "CERES\r\nA CORU\xc3\x91" "A\r\n5 \xe2\x82\xac\r\n");
         QTest::newRow("primer elemento con marca de orden: el fichero lleva la suya")
-            << QStringList{QString(QChar(0xFEFF)) + u"A"_qs} << QByteArray("\xef\xbb\xbf\xef\xbb\xbf" "A\r\n");
+            << QStringList{QChar(0xFEFF) + u"A"_qs} << QByteArray("\xef\xbb\xbf\xef\xbb\xbf" "A\r\n");
     }
     void grabar()
     {
@@ -111,18 +107,18 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("disco");
         QTest::addColumn<QStringList>("antes");
         QTest::addColumn<QStringList>("despues");
-        const QStringList cinco{u"a"_qs, u"b"_qs, u"c"_qs, u"d"_qs, u"e"_qs};
+        const QStringList cinco = L({"a", "b", "c", "d", "e"});
         QTest::newRow("blancos tal cual, línea vacía en medio")
-            << QByteArray(" A \r\n\r\nB  \r\n") << QStringList{} << QStringList{u" A "_qs, QString(), u"B  "_qs};
+            << QByteArray(" A \r\n\r\nB  \r\n") << QStringList() << L({" A ", "", "B  "});
         QTest::newRow("Windows-1252") << QByteArray("C\xe1" "ceres\r\nA Coru\xf1" "a\r\n\x80 5\r\n")
-                                      << QStringList{} << QStringList{u"Cáceres"_qs, u"A Coruña"_qs, u"€ 5"_qs};
+                                      << QStringList() << L({"Cáceres", "A Coruña", "€ 5"});
         QTest::newRow("más líneas que filas: la rejilla crece")
-            << QByteArray("1\r\n2\r\n3\r\n4\r\n") << QStringList{u"x"_qs} << QStringList{u"1"_qs, u"2"_qs, u"3"_qs, u"4"_qs};
+            << QByteArray("1\r\n2\r\n3\r\n4\r\n") << L({"x"}) << L({"1", "2", "3", "4"});
         QTest::newRow("menos líneas: el resto en blanco, las filas se quedan")
-            << QByteArray("NUEVO\r\n") << cinco << QStringList{u"NUEVO"_qs, QString(), QString(), QString(), QString()};
+            << QByteArray("NUEVO\r\n") << cinco << L({"NUEVO", "", "", "", ""});
         QTest::newRow("marca de orden del fichero fuera, la del texto se queda")
-            << QByteArray("\xef\xbb\xbf\xef\xbb\xbf" "A\r\n\xef\xbb\xbf" "B\r\n") << QStringList{}
-            << QStringList{QString(QChar(0xFEFF)) + u"A"_qs, QString(QChar(0xFEFF)) + u"B"_qs};
+            << QByteArray("\xef\xbb\xbf\xef\xbb\xbf" "A\r\n\xef\xbb\xbf" "B\r\n") << QStringList()
+            << QStringList{QChar(0xFEFF) + u"A"_qs, QChar(0xFEFF) + u"B"_qs}; // not through L(): UTF-8 drops the mark
         QTest::newRow("fichero que no existe") << QByteArray() << cinco << QStringList(5);
     }
     void cargar()
@@ -171,12 +167,10 @@ private Q_SLOTS:
         Rejilla g;
         llenar(g, {u"NUEVO"_qs});
         FicheroTabla(operacion, fichero, g);
+        const QString pregunta = u"Fichero "_qs + fichero + u" existe en disco. Se Sobreescribirá."_qs;
         QString preguntas;
-        for (const MensajeGrabado &m : s.mensajes) {
-            QCOMPARE(m.texto, u"Fichero "_qs + fichero + u" existe en disco. Se Sobreescribirá."_qs);
-            QCOMPARE(m.botones, 49);
-            preguntas += u"pregunta, "_qs;
-        }
+        for (const MensajeGrabado &m : s.mensajes)
+            preguntas += m.texto == pregunta && m.botones == 49 ? u"pregunta, "_qs : m.texto + u", "_qs;
         QCOMPARE(preguntas + QString::fromUtf8(leer(fichero)), visto);
     }
 
@@ -355,10 +349,9 @@ private Q_SLOTS:
         QCOMPARE(leer(m_tabla), provincias);
     }
 
-    // Without a file name the load asks once and "Grabar" every time, at the grid's corner; no
-    // answer is kept. Then the desktop's own input box, as a host without a recorder gets it:
-    // Spanish buttons, the question, at the grid's corner; the name typed there is where the
-    // table goes.
+    // Without a file name the load asks once and "Grabar" every time: no answer is kept. Then
+    // the desktop's own input box, as a host without a recorder gets it: Spanish buttons, the
+    // question, at the grid's corner; the name given there is where the table goes.
     void sinNombre()
     {
         {
@@ -373,9 +366,8 @@ private Q_SLOTS:
             QTest::keyClicks(elemento(), u"soria"_qs);
             clic("cmdAceptar");
             clic("cmdGrabar");
-            clic("cmdGrabar");
-            QCOMPARE(s.entradas.size(), 3);
-            QCOMPARE(s.entradas[2].pregunta, u"Path y Nombre del fichero a REGRABAR"_qs);
+            QCOMPARE(s.entradas.size(), 2);
+            QCOMPARE(s.entradas[1].pregunta, u"Path y Nombre del fichero a REGRABAR"_qs);
             QCOMPARE(TagDe(m_t), QString());
             QCOMPARE(leer(s.respuestaEntrada), provincias + "SORIA\r\n");
             // Cancelled: nothing written, and the mark is cleared all the same.
@@ -383,7 +375,7 @@ private Q_SLOTS:
             clic("cmdAceptar");
             s.aceptarEntrada = false;
             clic("cmdGrabar");
-            QCOMPARE(s.entradas.size(), 4);
+            QCOMPARE(s.entradas.size(), 3);
             QVERIFY(!m_t->Modificado());
             QCOMPARE(leer(s.respuestaEntrada), provincias + "SORIA\r\n");
             QVERIFY(s.mensajes.isEmpty());
