@@ -474,40 +474,17 @@ private Q_SLOTS:
         QCOMPARE(r.TextMatrix(0, 1), u"Valor"_qs);
     }
 
-    // The title mark: the sorted column's title (or another's) in bold, the others plain; the
-    // current cell stays where it was.
-    void ordenarMarcaTitulo()
-    {
-        Rejilla r;
-        r.PonerFixedCols(0);
-        CargarVisor(r, u"A;B;C"_qs);
-        PonerCelda(r, 1, 0, u"b"_qs);
-        PonerCelda(r, 2, 0, u"a"_qs);
-        r.PonerRow(2);
-        r.PonerCol(0);
-        const auto negritas = [&r] {
-            return u"%1%2%3 %4,%5"_qs.arg(r.NegritaCelda(0, 0)).arg(r.NegritaCelda(0, 1)).arg(r.NegritaCelda(0, 2))
-                .arg(r.Row()).arg(r.Col());
-        };
-        OrdenarVisor(r, 1, true, 2);
-        QCOMPARE(negritas(), u"001 2,0"_qs);
-        OrdenarVisor(r, 1, false); // without the mark nothing is touched
-        QCOMPARE(negritas(), u"001 2,0"_qs);
-        OrdenarVisor(r, -1, true); // the current column
-        QCOMPARE(negritas(), u"100 2,0"_qs);
-        QCOMPARE(datos(r, 0), u"a|b"_qs);
-    }
-
     void aspecto()
     {
         VisorRejilla v;
         QAbstractItemModelTester tester(v.model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
-        v.rejilla().PonerFixedCols(0);
-        CargarVisor(v.rejilla(), u";Nombre#34;Teléfono#18>;<Fax#8=;eMail#25"_qs);
-        v.rejilla().PonerRows(1);
+        Rejilla &r = v.rejilla();
+        r.PonerFixedCols(0);
+        CargarVisor(r, u";Nombre#34;Teléfono#18>;<Fax#8=;eMail#25"_qs);
+        r.PonerRows(1);
         for (const char *fila : {"\tAna\t600111222\t\tana@ejemplo.es", "\tbea\t600333444\t91\tbea@ejemplo.es",
                                  "\tCarlos\t600555666\t\tcarlos@ejemplo.es"})
-            v.rejilla().AddItem(QString::fromUtf8(fila));
+            r.AddItem(QString::fromUtf8(fila));
         v.resize(900, 300);
         v.show();
         QCoreApplication::processEvents();
@@ -525,45 +502,55 @@ private Q_SLOTS:
         QCOMPARE((QList<int>{alin(1), alin(2), alin(3), alinTitulo(1), alinTitulo(3)}),
                  (QList<int>{Qt::AlignLeft | centro, Qt::AlignRight | centro, Qt::AlignHCenter | centro,
                              Qt::AlignHCenter | centro, Qt::AlignLeft | centro}));
-        // Bold cells and the sort's title mark.
-        v.rejilla().PonerNegritaCelda(2, 1, true);
+        // Bold cells, and the sort's title mark: the sorted column's title (or another's) in bold,
+        // the others plain, the current cell where it was.
+        r.PonerNegritaCelda(2, 1, true);
         QVERIFY(m->index(1, 1).data(Qt::FontRole).value<QFont>().bold());
         QVERIFY(!m->index(0, 1).data(Qt::FontRole).isValid());
-        OrdenarVisor(v.rejilla(), 2, true);
+        const auto marcas = [&r] {
+            QString t;
+            for (int c = 0; c < r.Cols(); ++c)
+                t += r.NegritaCelda(0, c) ? u'1' : u'0';
+            return t + u" %1,%2"_qs.arg(r.Row()).arg(r.Col());
+        };
+        r.PonerRow(2);
+        r.PonerCol(3);
+        OrdenarVisor(r, 2, true);
+        QCOMPARE(marcas(), u"00100 2,3"_qs);
         QVERIFY(m->headerData(2, Qt::Horizontal, Qt::FontRole).value<QFont>().bold());
-        QVERIFY(!m->headerData(1, Qt::Horizontal, Qt::FontRole).value<QFont>().bold());
         QVERIFY(v.isVisible()); // shown again after the sort
-        // Mouse gestures: the signals given, with the cell under the mouse, then the current cell.
+        OrdenarVisor(r, 2, true, 4);
+        QCOMPARE(marcas(), u"00001 2,3"_qs);
+        OrdenarVisor(r, 2, false); // without the mark nothing is touched
+        QCOMPARE(marcas(), u"00001 2,3"_qs);
+        OrdenarVisor(r, -1, true); // the current column, Fax: empty cells first
+        QCOMPARE(marcas(), u"00010 2,3"_qs);
+        QCOMPARE(datos(r, 1), u"Ana|Carlos|bea"_qs);
+        // Mouse gestures: the signals given, with the cell under the mouse and the current cell.
         QString visto;
-        const auto anotar = [&visto, &v](const char *nombre) {
-            return [&visto, &v, nombre](int f, int c) {
-                visto += u"%1 %2,%3 ratón %4,%5, "_qs.arg(QLatin1String(nombre)).arg(f).arg(c).arg(v.MouseRow())
-                             .arg(v.MouseCol());
+        const auto anotar = [&](const char *nombre) {
+            return [&visto, &v, &r, nombre](int f, int c) {
+                visto += u"%1 %2,%3 ratón %4,%5 actual %6,%7 | "_qs.arg(QLatin1String(nombre)).arg(f).arg(c)
+                             .arg(v.MouseRow()).arg(v.MouseCol()).arg(r.Row()).arg(r.Col());
             };
         };
-        const auto actual = [&] { visto += u"actual %1,%2 | "_qs.arg(v.rejilla().Row()).arg(v.rejilla().Col()); };
         connect(&v, &VisorRejilla::Click, anotar("Click"));
         connect(&v, &VisorRejilla::ClickDerecho, anotar("ClickDerecho"));
         connect(&v, &VisorRejilla::DobleClick, anotar("DobleClick"));
-        v.rejilla().PonerRow(1);
-        v.rejilla().PonerCol(1);
+        r.PonerRow(1);
+        r.PonerCol(1);
         prueba::clicCelda(&v, 1, 2);
-        actual();
         QHeaderView *titulos = v.horizontalHeader();
         QTest::mouseClick(titulos->viewport(), Qt::LeftButton, {},
                           QPoint(titulos->sectionViewportPosition(1) + 5, titulos->height() / 2));
-        actual();
         prueba::clicCelda(&v, 2, 3, Qt::RightButton); // the right button does not move
-        actual();
         QTest::mouseDClick(v.viewport(), Qt::LeftButton, {}, v.visualRect(m->index(1, 1)).center());
-        actual();
-        QCOMPARE(visto, u"Click 2,2 ratón 2,2, actual 2,2 | Click 0,1 ratón 0,1, actual 2,2 | "
-                        "ClickDerecho 3,3 ratón 3,3, actual 2,2 | DobleClick 2,1 ratón 2,1, actual 2,1 | "_qs);
+        QCOMPARE(visto, u"Click 2,2 ratón 2,2 actual 2,2 | Click 0,1 ratón 0,1 actual 2,2 | "
+                        "ClickDerecho 3,3 ratón 3,3 actual 2,2 | DobleClick 2,1 ratón 2,1 actual 2,1 | "_qs);
         // Changes under Redraw off reach the view as one reset when it comes back on; until then the
         // view keeps the rows it was told of, and a paint must not reach past them. With Redraw on,
         // structural changes reach it one by one.
         QSignalSpy reinicio(m, &QAbstractItemModel::modelReset);
-        Rejilla &r = v.rejilla();
         r.PonerRedraw(false);
         for (int i = 0; i < 500; ++i)
             r.AddItem(u"\tNombre %1"_qs.arg(i));
@@ -583,27 +570,27 @@ private Q_SLOTS:
         // Hidden rows follow RowHeight: a row of height 0 leaves the view, rows after it move up,
         // and it comes back in its place; under Redraw off the same comes with the one reset.
         const int filas = m->rowCount();
-        v.rejilla().PonerRowHeight(2, 0);
+        r.PonerRowHeight(2, 0);
         QCOMPARE(m->rowCount(), filas - 1);
         QCOMPARE(v.modeloRejilla()->filaVista(2), -1);
         QCOMPARE(v.modeloRejilla()->filaRejilla(1), 3);
-        v.rejilla().PonerRowHeight(2, -1);
+        r.PonerRowHeight(2, -1);
         QCOMPARE(m->rowCount(), filas);
         QCOMPARE(v.modeloRejilla()->filaRejilla(1), 2);
-        v.rejilla().PonerRedraw(false);
-        v.rejilla().PonerRowHeight(1, 0);
-        v.rejilla().PonerRowHeight(3, 0);
+        r.PonerRedraw(false);
+        r.PonerRowHeight(1, 0);
+        r.PonerRowHeight(3, 0);
         QCOMPARE(m->rowCount(), filas);
-        v.rejilla().PonerRedraw(true);
+        r.PonerRedraw(true);
         QCOMPARE(m->rowCount(), filas - 2);
         QCOMPARE(v.modeloRejilla()->filaRejilla(0), 2);
-        v.rejilla().PonerRowHeight(1, -1); // shown again while another row stays hidden
+        r.PonerRowHeight(1, -1); // shown again while another row stays hidden
         QCOMPARE(v.modeloRejilla()->filaRejilla(0), 1);
         // The layout's scaling through the invokable method.
         FactorX = FactorY = 2.0f;
         QVERIFY(QMetaObject::invokeMethod(&v, "EscalarColumnas"));
-        QCOMPARE(v.rejilla().ColWidth(1), 34 * 240);
-        QCOMPARE(v.rejilla().ColWidth(0), 0);
+        QCOMPARE(r.ColWidth(1), 34 * 240);
+        QCOMPARE(r.ColWidth(0), 0);
         QCOMPARE(v.columnWidth(1), v.pixeles(34 * 240));
     }
 

@@ -244,7 +244,6 @@ private Q_SLOTS:
     }
 
     // A click below the last row chooses nothing; choosing row 3 puts it in the field without
-    // A click below the last row chooses nothing; choosing row 3 puts it in the field without
     // marking the table; the first key does; "Aceptar" stores the field in the chosen row, or
     // appends it when none is chosen, and marks the table even when nothing changed. Choosing
     // again a row whose text the field already holds (by Enter on the grid, for the keyboard)
@@ -308,17 +307,16 @@ private Q_SLOTS:
     {
         QTest::addColumn<bool>("barra");
         QTest::addColumn<QString>("boton");
-        QTest::addColumn<bool>("cerrada");
-        QTest::newRow("Salir, Aceptar sale sin grabar") << false << u"Boton(1)"_qs << true;
-        QTest::newRow("Salir, Escape se queda") << false << QString() << false;
-        QTest::newRow("barra de título, Cancelar se queda") << true << u"Boton(0)"_qs << false;
-        QTest::newRow("barra de título, Aceptar sale") << true << u"Boton(1)"_qs << true;
+        QTest::newRow("Salir, Aceptar sale sin grabar") << false << u"Boton(1)"_qs;
+        QTest::newRow("Salir, Escape se queda") << false << QString();
+        QTest::newRow("barra de título, Cancelar se queda") << true << u"Boton(0)"_qs;
+        QTest::newRow("barra de título, Aceptar sale") << true << u"Boton(1)"_qs;
     }
     void salir()
     {
         QFETCH(bool, barra);
         QFETCH(QString, boton);
-        QFETCH(bool, cerrada);
+        const bool cerrada = boton == u"Boton(1)"; // "Aceptar"
         abrir(m_tabla);
         clicFila(1);
         QTest::keyClicks(elemento(), u"arab"_qs);
