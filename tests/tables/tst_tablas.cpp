@@ -216,9 +216,10 @@ private Q_SLOTS:
         QCOMPARE(visto, numero);
         QVERIFY2(descripcion.contains(fichero), qPrintable(descripcion));
         QCOMPARE(leer(ruta(u"corta/tabla.txt"_qs)), QByteArray("ANTES\r\n"));
-        QCOMPARE(QDir(ruta(u"corta"_qs)).entryList(QDir::Files), QStringList{u"tabla.txt"_qs});
-        QVERIFY(QFileInfo(ruta(u"carpeta"_qs)).isDir());
-        QVERIFY(!QFile::exists(ruta(u"falta"_qs)));
+        // No temporary file beside it, the folder still a folder, no missing folder made.
+        QCOMPARE(QDir(ruta(u"corta"_qs)).entryList(QDir::Files)
+                     + QDir(m_dir.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
+                 L({"tabla.txt", "carpeta", "corta"}));
     }
 
     // Prepared over a host: at its position, keeping its own height, the default field tag, the
@@ -265,9 +266,7 @@ private Q_SLOTS:
         QCOMPARE(estado(), u"0 «» Elemento modificado"_qs);
         QTest::keyClicks(elemento(), u"avila"_qs);
         clic("cmdAceptar");
-        ServiciosGrabados s; // a question would be recorded here
         clic("cmdGrabar");
-        QVERIFY(s.mensajes.isEmpty());
         QCOMPARE(leer(m_tabla), QByteArray("ALAVA\r\nALBACETE\r\nASTURIAS\r\nALMERIA\r\nAVILA\r\n"));
         clicFila(2);
         clic("cmdAceptar");
@@ -365,8 +364,6 @@ private Q_SLOTS:
             clic("cmdAceptar");
             clic("cmdGrabar");
             QCOMPARE(s.entradas.size(), 2);
-            QCOMPARE(s.entradas[1].pregunta, u"Path y Nombre del fichero a REGRABAR"_qs);
-            QCOMPARE(TagDe(m_t), QString());
             QCOMPARE(leer(s.respuestaEntrada), provincias + "SORIA\r\n");
             // Cancelled: nothing written, and the mark is cleared all the same.
             QTest::keyClicks(elemento(), u"teruel"_qs);
@@ -376,7 +373,6 @@ private Q_SLOTS:
             QCOMPARE(s.entradas.size(), 3);
             QVERIFY(!m_t->Modificado());
             QCOMPARE(leer(s.respuestaEntrada), provincias + "SORIA\r\n");
-            QVERIFY(s.mensajes.isEmpty());
         }
 
         const QString destino = ruta(u"real.txt"_qs);
