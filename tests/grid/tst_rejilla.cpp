@@ -133,10 +133,9 @@ private Q_SLOTS:
         QFETCH(QStringList, claves);
         QFETCH(QString, orden);
         Rejilla r;
-        QStringList filas;
+        llenar(r, 2, {});
         for (int i = 0; i < claves.size(); ++i)
-            filas << claves[i] + u'\t' + QString::number(i);
-        llenar(r, 2, filas);
+            r.AddItem(claves[i] + u'\t' + QString::number(i));
         r.PonerCol(0);
         r.Sort(modo);
         QCOMPARE(datos(r, 1), orden);
