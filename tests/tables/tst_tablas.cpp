@@ -49,10 +49,10 @@ class TstTablas : public QObject {
 
     QString ruta(const QString &nombre) const { return m_dir.filePath(nombre); }
     // A table editor on the sample file, shown and active.
-    void abrir(const QString &fichero, bool cargar = true, const QString &tag = u"T(M) L(15) A(I)"_qs)
+    void abrir(const QString &fichero, const QString &tag = u"T(M) L(15) A(I)"_qs)
     {
         m_t = new frmTablas;
-        m_t->Dimensionar(nullptr, fichero, u"Provincia#25"_qs, tag, cargar);
+        m_t->Dimensionar(nullptr, fichero, u"Provincia#25"_qs, tag);
         QVERIFY(mostrarActiva(m_t));
     }
     QLineEdit *elemento() { return control<QLineEdit>(m_t, "Elemento"); }
@@ -274,7 +274,7 @@ private Q_SLOTS:
     void elegirNoMarca()
     {
         escribir(m_tabla, "1.234,50\r\n");
-        abrir(m_tabla, true, u"T(n) L(10) D(2) A(D)"_qs);
+        abrir(m_tabla, u"T(n) L(10) D(2) A(D)"_qs);
         clicFila(1);
         QCOMPARE(estado(), u"1 «1234.50» Elemento limpio"_qs);
         // Stored back unchanged, in the form the field shows once it is left.
@@ -329,53 +329,45 @@ private Q_SLOTS:
         QCOMPARE(leer(m_tabla), provincias);
     }
 
-    // Without a file name the load asks once and "Grabar" every time: no answer is kept. Then
-    // the desktop's own input box, as a host without a recorder gets it: Spanish buttons, the
-    // question, at the grid's corner; the name given there is where the table goes.
+    // Without a file name the load asks once and "Grabar" every time (no answer is kept), in the
+    // desktop's own input box as a host without a recorder gets it: Spanish buttons, the question,
+    // at the grid's corner; the name given there is where the table goes. Cancelled, nothing is
+    // written and the mark is cleared all the same.
     void sinNombre()
     {
-        {
-            ServiciosGrabados s;
-            s.aceptarEntrada = true;
-            s.respuestaEntrada = m_tabla;
-            abrir(QString(), true);
-            QCOMPARE(s.entradas.size(), 1);
-            QCOMPARE(s.entradas[0].pregunta, u"Path y Nombre del fichero a CARGAR"_qs);
-            s.respuestaEntrada = ruta(u"nueva.txt"_qs);
-            DevolverFoco(elemento());
-            QTest::keyClicks(elemento(), u"soria"_qs);
-            clic("cmdAceptar");
-            clic("cmdGrabar");
-            QCOMPARE(s.entradas.size(), 2);
-            QCOMPARE(leer(s.respuestaEntrada), provincias + "SORIA\r\n");
-            // Cancelled: nothing written, and the mark is cleared all the same.
-            QTest::keyClicks(elemento(), u"teruel"_qs);
-            clic("cmdAceptar");
-            s.aceptarEntrada = false;
-            clic("cmdGrabar");
-            QCOMPARE(s.entradas.size(), 3);
-            QVERIFY(!m_t->Modificado());
-            QCOMPARE(leer(s.respuestaEntrada), provincias + "SORIA\r\n");
-        }
-
-        const QString destino = ruta(u"real.txt"_qs);
         QString visto;
         QPoint donde;
-        alAbrirse([&](QWidget *caja) {
-            QStringList botones;
-            for (auto *b : caja->findChildren<QPushButton *>())
-                botones.append(b->text());
-            botones.sort();
-            auto *entrada = qobject_cast<QInputDialog *>(caja);
-            visto = caja->windowTitle() + u" | "_qs + entrada->labelText() + u" | "_qs + botones.join(u',');
-            donde = caja->pos();
-            entrada->setTextValue(destino);
-            QTest::keyClick(caja, Qt::Key_Return);
-        });
+        const auto contestar = [&visto, &donde](const QString &nombre) {
+            alAbrirse([&visto, &donde, nombre](QWidget *caja) {
+                auto *entrada = qobject_cast<QInputDialog *>(caja);
+                QStringList botones;
+                for (auto *b : caja->findChildren<QPushButton *>())
+                    botones.append(b->text());
+                botones.sort();
+                visto += caja->windowTitle() + u" | "_qs + entrada->labelText() + u" | "_qs + botones.join(u',');
+                donde = caja->pos();
+                entrada->setTextValue(nombre);
+                QTest::keyClick(caja, nombre.isEmpty() ? Qt::Key_Escape : Qt::Key_Return);
+            });
+        };
+        contestar(m_tabla);
+        abrir(QString());
+        DevolverFoco(elemento());
+        QTest::keyClicks(elemento(), u"soria"_qs);
+        clic("cmdAceptar");
+        const QString destino = ruta(u"real.txt"_qs);
+        contestar(destino);
         clic("cmdGrabar");
-        QCOMPARE(visto, u"Editor de Tablas de PQD | Path y Nombre del fichero a REGRABAR | Aceptar,Cancelar"_qs);
-        QCOMPARE(donde, m_t->VisorTabla()->mapToGlobal(QPoint(0, 0))); // at the grid's corner
-        QCOMPARE(leer(destino), provincias + "SORIA\r\nTERUEL\r\n");
+        QCOMPARE(donde, m_t->VisorTabla()->mapToGlobal(QPoint(0, 0)));
+        QCOMPARE(leer(destino), provincias + "SORIA\r\n");
+        QTest::keyClicks(elemento(), u"teruel"_qs);
+        clic("cmdAceptar");
+        contestar(QString());
+        clic("cmdGrabar");
+        QVERIFY(!m_t->Modificado());
+        QCOMPARE(leer(destino), provincias + "SORIA\r\n");
+        const QString caja = u"Editor de Tablas de PQD | Path y Nombre del fichero a %1 | Aceptar,Cancelar"_qs;
+        QCOMPARE(visto, caja.arg(u"CARGAR"_qs) + caja.arg(u"REGRABAR"_qs) + caja.arg(u"REGRABAR"_qs));
     }
 };
 
