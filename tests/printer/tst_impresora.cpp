@@ -42,18 +42,14 @@ void recorrer(QWidget *d, const QString &pasos)
     }
 }
 
-// The PDF files in the folder cups-pdf writes to: its "Out" setting, ${HOME} the user's home.
-QStringList pdfs()
+// The folder cups-pdf writes to: its "Out" setting, ${HOME} the user's home.
+QDir salidaPdf()
 {
     QString carpeta = u"${HOME}/PDF"_qs;
     for (const QString &l : QString::fromUtf8(prueba::leer(u"/etc/cups/cups-pdf.conf"_qs)).split(u'\n'))
         if (l.startsWith(u"Out "))
             carpeta = l.mid(4).trimmed();
-    const QDir dir(carpeta.replace(u"${HOME}"_qs, QDir::homePath()));
-    QStringList r;
-    for (const QString &f : dir.entryList({u"*.pdf"_qs}, QDir::Files))
-        r << dir.filePath(f);
-    return r;
+    return QDir(carpeta.replace(u"${HOME}"_qs, QDir::homePath()), u"*.pdf"_qs, QDir::Name, QDir::Files);
 }
 
 } // namespace
@@ -162,7 +158,8 @@ private Q_SLOTS:
         const QStringList lineas = papel->toPlainText().split(u'\n', Qt::SkipEmptyParts);
         QVERIFY(lineas.size() >= 4);
 
-        const QStringList antes = pdfs();
+        QDir salida = salidaPdf();
+        const QStringList antes = salida.entryList();
         // Inside the menu's own loop: "Imprimir cinta…", then the steps inside the dialog's.
         QTimer::singleShot(0, qApp, [pasos] {
             QWidget *menu = QApplication::activePopupWidget();
@@ -176,9 +173,10 @@ private Q_SLOTS:
 
         QString nuevo;
         QVERIFY2(QTest::qWaitFor([&] {
-            for (const QString &f : pdfs())
+            salida.refresh();
+            for (const QString &f : salida.entryList())
                 if (!antes.contains(f))
-                    nuevo = f;
+                    nuevo = salida.filePath(f);
             return !nuevo.isEmpty();
         }, 60000), "cups-pdf no ha escrito ningún PDF en un minuto");
         QTest::qWait(500); // cups-pdf may still be writing it
