@@ -18,16 +18,14 @@ public:
     QTime hora = QTime(10, 0);
 };
 
+// The progress window, when there is exactly one: never two at a time.
 QWidget *ventana()
 {
-    QWidget *encontrada = nullptr;
+    QWidgetList r;
     for (QWidget *w : QApplication::topLevelWidgets())
-        if (w->objectName() == u"Progreso") {
-            if (encontrada)
-                return nullptr; // never two at a time
-            encontrada = w;
-        }
-    return encontrada;
+        if (w->objectName() == u"Progreso")
+            r << w;
+    return r.size() == 1 ? r.first() : nullptr;
 }
 
 // What the window shows: the bar's maximum, position and tag, the percentage, the elapsed and
