@@ -16,18 +16,10 @@
 #include <QtTest>
 
 using namespace kvr;
+using prueba::resultado;
 
 namespace {
 
-// What a call returns, or "error N" for the run-time error it raises.
-QString resultado(const std::function<QString()> &llamada)
-{
-    try {
-        return llamada();
-    } catch (const ErrorEjecucion &e) {
-        return u"error "_qs + QString::number(e.numero());
-    }
-}
 
 // A file as an older program leaves it: Windows-1252, CR LF, comments, odd spacing, a key twice,
 // a section twice under another case, a line with no "=", and no line end at the end.
@@ -57,7 +49,7 @@ private:
     QString fichero() const { return m_dir.filePath(u"prueba.ini"_qs); }
 
 private Q_SLOTS:
-    // One row a rule. No currency: NumeroEnLetras; "error N": the run-time error it raises.
+    // One row a rule. No currency: NumeroEnLetras; "<error N>": the run-time error it raises.
     void enLetras_data()
     {
         QTest::addColumn<double>("cifra");
@@ -71,17 +63,17 @@ private Q_SLOTS:
         QTest::newRow("mil un millones") << 1001000000.0 << N << u"mil un millones"_qs;
         QTest::newRow("negativo, uno sin apócope") << -121.0 << N << u"menos ciento veintiuno"_qs;
         QTest::newRow("máximo") << 999999999999.0 << N << maximo;
-        QTest::newRow("sobre el máximo") << 1e12 << N << u"error 6"_qs;
-        QTest::newRow("bajo el mínimo") << -1e12 << N << u"error 6"_qs;
+        QTest::newRow("sobre el máximo") << 1e12 << N << u"<error 6>"_qs;
+        QTest::newRow("bajo el mínimo") << -1e12 << N << u"<error 6>"_qs;
         QTest::newRow("de tras millones") << 1e6 << E << u"un millón de euros"_qs;
         QTest::newRow("redondeo de lo escrito") << 1.005 << E << u"un euro con un céntimo"_qs;
         QTest::newRow("negativo se aleja de cero") << -0.005 << E << u"menos cero euros con un céntimo"_qs;
         QTest::newRow("negativo que redondea a cero") << -0.004 << E << u"cero euros"_qs;
         QTest::newRow("importe máximo") << 999999999999.99 << E
                                         << maximo + u" euros con noventa y nueve céntimos"_qs;
-        QTest::newRow("redondea al billón") << 999999999999.995 << E << u"error 6"_qs;
-        QTest::newRow("infinito") << qInf() << E << u"error 6"_qs;
-        QTest::newRow("otra moneda") << 1.0 << u"USD"_qs << u"error 5"_qs;
+        QTest::newRow("redondea al billón") << 999999999999.995 << E << u"<error 6>"_qs;
+        QTest::newRow("infinito") << qInf() << E << u"<error 6>"_qs;
+        QTest::newRow("otra moneda") << 1.0 << u"USD"_qs << u"<error 5>"_qs;
         QTest::newRow("una peseta") << 1.0 << P << u"una peseta"_qs;
         QTest::newRow("miles femeninos") << 221000.0 << P << u"doscientas veintiuna mil pesetas"_qs;
         QTest::newRow("millones masculinos") << 2e8 << P << u"doscientos millones de pesetas"_qs;
@@ -173,11 +165,11 @@ print(*[n for n in sys.argv[1:] if not nif.is_valid(n)], len(sys.argv) - 1)
         QTest::newRow("grupo") << u"+(ab)c"_qs << u"Shift+A[A] Shift+B[B] C[c]"_qs;
         QTest::newRow("escapados") << u"{+}{^}{%}{~}{(}{)}{{}{}}"_qs << u"+[+] ^[^] %[%] ~[~] ([(] )[)] {[{] }[}]"_qs;
         QTest::newRow("texto literal") << TeclasLiterales(u"1+(2)%"_qs) << u"1[1] +[+] ([(] 2[2] )[)] %[%]"_qs;
-        QTest::newRow("llave sin cerrar") << u"a{TAB"_qs << u"error 5"_qs;
-        QTest::newRow("grupo sin cerrar") << u"+(ab"_qs << u"error 5"_qs;
-        QTest::newRow("paréntesis de más") << u"ab)"_qs << u"error 5"_qs;
-        QTest::newRow("modificador sin tecla") << u"a^"_qs << u"error 5"_qs;
-        QTest::newRow("cuenta excesiva") << u"{TAB 10000}"_qs << u"error 5"_qs;
+        QTest::newRow("llave sin cerrar") << u"a{TAB"_qs << u"<error 5>"_qs;
+        QTest::newRow("grupo sin cerrar") << u"+(ab"_qs << u"<error 5>"_qs;
+        QTest::newRow("paréntesis de más") << u"ab)"_qs << u"<error 5>"_qs;
+        QTest::newRow("modificador sin tecla") << u"a^"_qs << u"<error 5>"_qs;
+        QTest::newRow("cuenta excesiva") << u"{TAB 10000}"_qs << u"<error 5>"_qs;
     }
     void analizar()
     {
@@ -252,12 +244,12 @@ print(*[n for n in sys.argv[1:] if not nif.is_valid(n)], len(sys.argv) - 1)
         // file's own mark is.
         QTest::newRow("marca al principio de clave") << QByteArray("\xEF\xBB\xBF[S]\r\n\xEF\xBB\xBFk=1\r\n")
             << u"S|\uFEFFk|2"_qs << QByteArray("\xEF\xBB\xBF[S]\r\n\xEF\xBB\xBFk=2\r\n") << QString();
-        QTest::newRow("sección con corchete") << V << u"a]b|k|v"_qs << V << u"error 5"_qs;
-        QTest::newRow("clave con igual") << V << u"s|k=1|v"_qs << V << u"error 5"_qs;
-        QTest::newRow("valor con salto") << V << u"s|k|v\r\nw=1"_qs << V << u"error 5"_qs;
-        QTest::newRow("clave que sería comentario") << V << u"s|;k|v"_qs << V << u"error 5"_qs;
-        QTest::newRow("nombre que Windows-1252 no tiene") << V << u"Łódź|k|v"_qs << V << u"error 5"_qs;
-        QTest::newRow("el fichero es una carpeta") << V << u"s|k|v"_qs << V << u"error 75"_qs;
+        QTest::newRow("sección con corchete") << V << u"a]b|k|v"_qs << V << u"<error 5>"_qs;
+        QTest::newRow("clave con igual") << V << u"s|k=1|v"_qs << V << u"<error 5>"_qs;
+        QTest::newRow("valor con salto") << V << u"s|k|v\r\nw=1"_qs << V << u"<error 5>"_qs;
+        QTest::newRow("clave que sería comentario") << V << u"s|;k|v"_qs << V << u"<error 5>"_qs;
+        QTest::newRow("nombre que Windows-1252 no tiene") << V << u"Łódź|k|v"_qs << V << u"<error 5>"_qs;
+        QTest::newRow("el fichero es una carpeta") << V << u"s|k|v"_qs << V << u"<error 75>"_qs;
     }
     void cambiar()
     {
@@ -268,7 +260,7 @@ print(*[n for n in sys.argv[1:] if not nif.is_valid(n)], len(sys.argv) - 1)
         QFile::remove(fichero());
         if (!antes.isEmpty())
             prueba::escribir(fichero(), antes);
-        const QString f = error == u"error 75" ? m_dir.path() : fichero(); // 75: the file is a folder
+        const QString f = error == u"<error 75>" ? m_dir.path() : fichero(); // 75: the file is a folder
         const QStringList o = orden.split(u'|');
         const auto cambio = [&] {
             if (o.size() == 3)

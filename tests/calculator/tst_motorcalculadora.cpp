@@ -1,12 +1,15 @@
 // The calculator engine driven by key sequences. Every expected display, tape and state below was
 // worked out by hand from the key rules; a sequence is a string of key captions, "d" standing
 // for a click on the decimals button.
+#include "comun/ficheros.h"
+
 #include <kvr/error.h>
 #include <kvr/motorcalculadora.h>
 
 #include <QtTest>
 
 using namespace kvr;
+using prueba::errorDe;
 
 namespace {
 
@@ -94,13 +97,7 @@ private Q_SLOTS:
         QFETCH(QString, pantalla); QFETCH(QString, tape); QFETCH(QString, estado);
         QLocale::setDefault(QLocale(locale));
         MotorCalculadora m;
-        int lanzado = 0;
-        try {
-            pulsar(m, teclas);
-        } catch (const ErrorEjecucion &e) {
-            lanzado = e.numero();
-        }
-        QCOMPARE(lanzado, error);
+        QCOMPARE(errorDe([&] { pulsar(m, teclas); }), error);
         if (!pantalla.isNull())
             QCOMPARE(m.Pantalla(), pantalla);
         if (!tape.isNull())

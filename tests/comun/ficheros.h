@@ -1,5 +1,8 @@
 #pragma once
-// Helpers shared by the suites that need no widgets: files read or written whole, lists of texts.
+// Helpers shared by the suites that need no widgets: files read or written whole, lists of texts,
+// the run-time error a call raises.
+#include <kvr/error.h>
+
 #include <QFile>
 #include <QStringList>
 #include <QtTest>
@@ -27,6 +30,27 @@ inline QStringList L(std::initializer_list<const char *> textos)
     for (const char *t : textos)
         r << QString::fromUtf8(t);
     return r;
+}
+
+// The number of the run-time error that `f` raises, 0 when it raises none.
+template <typename F> int errorDe(F f)
+{
+    try {
+        f();
+    } catch (const kvr::ErrorEjecucion &e) {
+        return e.numero();
+    }
+    return 0;
+}
+
+// What a call returns, or "<error n>" for the run-time error it raises.
+template <typename F> QString resultado(F f)
+{
+    try {
+        return f();
+    } catch (const kvr::ErrorEjecucion &e) {
+        return QStringLiteral("<error %1>").arg(e.numero());
+    }
 }
 
 } // namespace prueba

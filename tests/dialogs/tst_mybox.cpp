@@ -24,16 +24,6 @@ QString rango(const char *desde, const char *hasta)
     return UnirRango(QString::fromUtf8(desde), QString::fromUtf8(hasta));
 }
 
-// The number of the run-time error that `accion` raises; 0 when it raises none.
-int errorDe(const std::function<void()> &accion)
-{
-    try {
-        accion();
-    } catch (const ErrorEjecucion &e) {
-        return e.numero();
-    }
-    return 0;
-}
 
 // The middle of a data row's cell in the first visible column, in viewport coordinates.
 QPoint centroDeFila(VisorRejilla *visor, int fila)

@@ -1,5 +1,6 @@
 // The field rules without widgets: descriptor tags, the keys a field accepts, and the display and
 // editing forms of its value.
+#include "comun/ficheros.h"
 #include "registro.h"
 
 #include <kvr/error.h>
@@ -9,16 +10,8 @@
 #include <QtTest>
 
 using namespace kvr;
+using prueba::resultado;
 
-// What a call gives back, or "<error n>" for the run-time error it raises.
-template <typename F> static QString resultado(F f)
-{
-    try {
-        return f();
-    } catch (const ErrorEjecucion &e) {
-        return u"<error %1>"_qs.arg(e.numero());
-    }
-}
 
 class TstValores : public QObject {
     Q_OBJECT
@@ -200,6 +193,7 @@ private Q_SLOTS:
         // the recorder's today, 21/11/2026.
         fila("F día", "es_ES", F, u"5"_qs, u"05 nov 2026"_qs, u"05/11/2026"_qs);
         fila("F día y mes tres cifras", "es_ES", F, u"125"_qs, u"12 may 2026"_qs, u"12/05/2026"_qs);
+        fila("F día y mes cuatro cifras", "es_ES", F, u"0112"_qs, u"01 dic 2026"_qs, u"01/12/2026"_qs);
         fila("F seis cifras", "es_ES", F, u"120509"_qs, u"12 may 2009"_qs, u"12/05/2009"_qs);
         fila("F día y barra", "es_ES", F, u"12/"_qs, u"12 nov 2026"_qs, u"12/11/2026"_qs);
         fila("F barra final", "es_ES", F, u"12/05/"_qs, u"12 may 2026"_qs, u"12/05/2026"_qs);

@@ -21,6 +21,7 @@
 #include <functional>
 
 using namespace kvr;
+using prueba::errorDe;
 
 using Accion = std::function<void(Rejilla &)>;
 Q_DECLARE_METATYPE(Accion)
@@ -248,12 +249,7 @@ private Q_SLOTS:
         QFETCH(Accion, accion);
         QFETCH(int, numero);
         Rejilla r; // 2 x 2, one fixed row
-        try {
-            accion(r);
-            QFAIL("no error raised");
-        } catch (const ErrorEjecucion &e) {
-            QCOMPARE(e.numero(), numero);
-        }
+        QCOMPARE(errorDe([&] { accion(r); }), numero);
     }
 
     // Clip gives the selected rectangle whichever way the selection runs; pasting fills the

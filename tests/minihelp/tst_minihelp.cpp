@@ -254,13 +254,7 @@ private Q_SLOTS:
     void cargarAyudaSinFichero()
     {
         MiniHelp v;
-        int numero = 0;
-        try {
-            v.CargarAyuda(u"/no/existe/AYUDA.RTF"_qs);
-        } catch (const ErrorEjecucion &e) {
-            numero = e.numero();
-        }
-        QCOMPARE(numero, int(ErrorEjecucion::ArchivoNoEncontrado));
+        QCOMPARE(errorDe([&] { v.CargarAyuda(u"/no/existe/AYUDA.RTF"_qs); }), int(ErrorEjecucion::ArchivoNoEncontrado));
     }
 };
 

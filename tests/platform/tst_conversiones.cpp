@@ -1,5 +1,6 @@
 // Numbers and dates read and written the way the runtime does, under a comma-decimal and a
 // point-decimal locale.
+#include "comun/ficheros.h"
 #include "registro.h"
 
 #include <kvr/error.h>
@@ -9,17 +10,8 @@
 #include <QtTest>
 
 using namespace kvr;
+using prueba::errorDe;
 
-// The number of the run-time error that `f` raises, 0 when it raises none.
-template <typename F> static int errorDe(F f)
-{
-    try {
-        f();
-    } catch (const ErrorEjecucion &e) {
-        return e.numero();
-    }
-    return 0;
-}
 
 class TstConversiones : public QObject {
     Q_OBJECT
