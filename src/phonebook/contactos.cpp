@@ -55,9 +55,9 @@ void escribirAtomico(const QString &ruta, const QByteArray &datos)
     if (!fichero.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         fallo(ErrorEjecucion::AccesoDenegado, ruta, fichero.errorString());
     if (fichero.write(datos) != datos.size()) {
-        const QString causa = fichero.errorString();
+        // A write cut short by a full disk leaves Qt no error text of its own ("Unknown error").
         fichero.cancelWriting();
-        fallo(ErrorEjecucion::ErrorEntradaSalida, ruta, causa);
+        fallo(ErrorEjecucion::ErrorEntradaSalida, ruta, QStringLiteral("no cupo entero en el disco"));
     }
     if (!fichero.commit())
         fallo(ErrorEjecucion::ErrorEntradaSalida, ruta, fichero.errorString());

@@ -7,6 +7,7 @@
 #include <kvr/comunes.h>
 #include <kvr/contactos.h>
 #include <kvr/mivisor.h>
+#include <kvr/tablas.h>
 #include <kvr/telefonos.h>
 
 #include "comun/pruebas.h"
@@ -165,6 +166,10 @@ private Q_SLOTS:
         QVERIFY(iconv.waitForFinished());
         QCOMPARE(leer(f), iconv.readAllStandardOutput());
         QCOMPARE(s, SelloDe(f));
+        // The save errors hosts tell apart by their number: a read-only file, a missing folder.
+        QFile::setPermissions(f, QFileDevice::ReadOwner);
+        QCOMPARE(errorDe([&] { GrabarFicheroContactos(f, g, s); }), int(ErrorEjecucion::AccesoDenegado));
+        QCOMPARE(errorDe([&] { GrabarFicheroContactos(ruta(u"no/hay.DAT"_qs), g, s); }), ErrorRutaNoEncontrada);
     }
 
     // A row's steps on a window over the sample phone book, in a folder given by TLF without its
@@ -265,7 +270,8 @@ private Q_SLOTS:
                   "?disco"});
         QTest::newRow("disco lleno a medias")
             << L({"abrir", "cmdNuevo", "teclear Nuevo", "disco lleno", "caja Aceptar", "cmdAceptar",
-                  "?caja No se pudo grabar el fichero de contactos TLF/TELEFONO.DAT: *", "?disco Agenda"});
+                  "?caja No se pudo grabar el fichero de contactos TLF/TELEFONO.DAT: no cupo entero en el disco.*",
+                  "?disco Agenda"});
         // While active, a wheel turned anywhere over the window scrolls the grid a line a notch.
         QTest::newRow("rueda") << L({"abrir", "rueda", "rueda", "?barra 2"});
     }
