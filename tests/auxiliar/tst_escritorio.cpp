@@ -69,10 +69,8 @@ QByteArray zipCrudo(const QList<Cruda> &entradas)
 // Every entry's permission bits below a folder, sorted, as find(1) lists them.
 QByteArrayList modos(const QString &carpeta)
 {
-    QProcess find;
-    find.start(u"find"_qs, {carpeta, u"-mindepth"_qs, u"1"_qs, u"-printf"_qs, u"%P %m\\n"_qs});
-    find.waitForFinished();
-    QByteArrayList r = find.readAllStandardOutput().split('\n');
+    QByteArrayList r = prueba::ejecutar(u"find"_qs, {carpeta, u"-mindepth"_qs, u"1"_qs, u"-printf"_qs, u"%P %m\\n"_qs})
+                           .split('\n');
     std::sort(r.begin(), r.end());
     return r;
 }

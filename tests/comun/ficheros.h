@@ -4,6 +4,7 @@
 #include <kvr/error.h>
 
 #include <QFile>
+#include <QProcess>
 #include <QStringList>
 #include <QtTest>
 
@@ -30,6 +31,18 @@ inline QStringList L(std::initializer_list<const char *> textos)
     for (const char *t : textos)
         r << QString::fromUtf8(t);
     return r;
+}
+
+// Runs a program to its end, fed `entrada`: what it printed, or "<NAME falló>" when it could not
+// start, did not end within 30 s or ended with an error.
+inline QByteArray ejecutar(const QString &programa, const QStringList &argumentos, const QByteArray &entrada = {})
+{
+    QProcess p;
+    p.start(programa, argumentos);
+    p.write(entrada);
+    p.closeWriteChannel();
+    const bool ok = p.waitForFinished(30000) && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
+    return ok ? p.readAllStandardOutput() : "<" + programa.toUtf8() + " falló>";
 }
 
 // The number of the run-time error that `f` raises, 0 when it raises none.

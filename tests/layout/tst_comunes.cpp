@@ -21,12 +21,8 @@ namespace {
 // What iconv makes of `entrada` between code page 850 and UTF-8; a failure fails the test.
 QByteArray iconv(const char *desde, const char *hacia, const QByteArray &entrada)
 {
-    QProcess p;
-    p.start(QStringLiteral("iconv"), {u"-f"_qs, QString::fromLatin1(desde), u"-t"_qs, QString::fromLatin1(hacia)});
-    p.write(entrada);
-    p.closeWriteChannel();
-    const bool ok = p.waitForFinished() && p.exitStatus() == QProcess::NormalExit && p.exitCode() == 0;
-    return ok ? p.readAllStandardOutput() : QByteArray("<iconv falló>");
+    return prueba::ejecutar(u"iconv"_qs, {u"-f"_qs, QString::fromLatin1(desde), u"-t"_qs, QString::fromLatin1(hacia)},
+                            entrada);
 }
 
 } // namespace

@@ -158,13 +158,9 @@ private Q_SLOTS:
         SelloFichero s;
         QCOMPARE(GrabarFicheroContactos(f, g, s), ResultadoGrabacion::Grabado);
         QCOMPARE(QDir(m_dir->path()).entryList({u"nuevo.*"_qs}), L({"nuevo.DAT", "nuevo.DAT.copia"}));
-        QProcess iconv;
-        iconv.start(u"iconv"_qs, {u"-f"_qs, u"UTF-8"_qs, u"-t"_qs, u"CP850"_qs});
-        iconv.write("\tNombre\tTeléfono\tFax\teMail\r\tÁLVARO\t4\t\t\r\tana\t3\t\t\r\tbea\tun tab\t\t\r"
-                    "\tÍñigo Núñez\t2\t\tíñigo@x.es\r\tzoe\t1\t\t\r\n");
-        iconv.closeWriteChannel();
-        QVERIFY(iconv.waitForFinished());
-        QCOMPARE(leer(f), iconv.readAllStandardOutput());
+        QCOMPARE(leer(f), ejecutar(u"iconv"_qs, {u"-f"_qs, u"UTF-8"_qs, u"-t"_qs, u"CP850"_qs},
+                                   "\tNombre\tTeléfono\tFax\teMail\r\tÁLVARO\t4\t\t\r\tana\t3\t\t\r\tbea\tun tab\t\t\r"
+                                   "\tÍñigo Núñez\t2\t\tíñigo@x.es\r\tzoe\t1\t\t\r\n"));
         QCOMPARE(s, SelloDe(f));
         // The save errors hosts tell apart by their number: a read-only file, a missing folder.
         QFile::setPermissions(f, QFileDevice::ReadOwner);

@@ -20,12 +20,11 @@ using prueba::control;
 
 namespace {
 
-QString ejecutar(const QString &programa, const QStringList &argumentos)
+QString textoDe(const QString &programa, const QStringList &argumentos)
 {
-    QProcess p;
-    p.start(programa, argumentos);
-    return p.waitForFinished(30000) ? QString::fromUtf8(p.readAllStandardOutput()) : QString();
+    return QString::fromUtf8(prueba::ejecutar(programa, argumentos));
 }
+
 
 // Steps on the dialog: "v" Down in the list, "p" a click on the paper button, "a" Aceptar,
 // "c" Cancelar, "e" Escape.
@@ -63,13 +62,13 @@ private Q_SLOTS:
     {
         qunsetenv("LPDEST"); // the queues' own default destination, whatever the caller's
         qunsetenv("PRINTER");
-        if (!ejecutar(u"lpstat"_qs, {u"-r"_qs}).contains(u"scheduler is running"))
+        if (!textoDe(u"lpstat"_qs, {u"-r"_qs}).contains(u"scheduler is running"))
             QSKIP("cupsd no responde: sin sistema de impresión no hay colas que probar "
                   "(src/printer/colas_cups.sh lo arranca)");
-        m_colas = ejecutar(u"lpstat"_qs, {u"-e"_qs}).split(u'\n', Qt::SkipEmptyParts);
+        m_colas = textoDe(u"lpstat"_qs, {u"-e"_qs}).split(u'\n', Qt::SkipEmptyParts);
         QVERIFY2(m_colas.contains(u"PDF") && m_colas.contains(u"PDF_Apaisado"),
                  "faltan las colas PDF y PDF_Apaisado: src/printer/colas_cups.sh las crea");
-        QCOMPARE(ejecutar(u"lpstat"_qs, {u"-d"_qs}).section(u':', 1).trimmed(), u"PDF"_qs);
+        QCOMPARE(textoDe(u"lpstat"_qs, {u"-d"_qs}).section(u':', 1).trimmed(), u"PDF"_qs);
     }
     void init() { QLocale::setDefault(QLocale::c()); }
     void cleanup()
@@ -193,12 +192,12 @@ private Q_SLOTS:
             return !nuevo.isEmpty();
         }, 60000), "cups-pdf no ha escrito ningún PDF en un minuto");
         QTest::qWait(500); // cups-pdf may still be writing it
-        const QString texto = ejecutar(u"pdftotext"_qs, {u"-layout"_qs, nuevo, u"-"_qs}).simplified();
+        const QString texto = textoDe(u"pdftotext"_qs, {u"-layout"_qs, nuevo, u"-"_qs}).simplified();
         for (const QString &l : lineas)
             QVERIFY2(texto.contains(l.simplified()), qPrintable(l + u" no está en: "_qs + texto));
         // The first word's box: taller than wide when the text runs up the sheet.
         const auto m = QRegularExpression(uR"re(xMin="([\d.]+)" yMin="([\d.]+)" xMax="([\d.]+)" yMax="([\d.]+)")re"_qs)
-                           .match(ejecutar(u"pdftotext"_qs, {u"-bbox"_qs, nuevo, u"-"_qs}));
+                           .match(textoDe(u"pdftotext"_qs, {u"-bbox"_qs, nuevo, u"-"_qs}));
         QVERIFY(m.hasMatch());
         QTEST(m.captured(4).toDouble() - m.captured(2).toDouble() > m.captured(3).toDouble() - m.captured(1).toDouble(),
               "apaisada");
