@@ -89,122 +89,115 @@ public Q_SLOTS:
 
 class TestMiniHelpWeb : public QObject {
     Q_OBJECT
-private Q_SLOTS:
-    void pagina_data();
-    void pagina();
-    void fallo_data();
-    void fallo();
-    void cerrarMientrasCarga();
-private:
     Servidor servidor;
-};
+private Q_SLOTS:
+    void pagina_data()
+    {
+        QTest::addColumn<bool>("mostrada");
+        QTest::addColumn<int>("llamadas");
+        // The host's usual order: fill the window, then show it modally.
+        QTest::newRow("antes de mostrarla, luego modal") << false << 1;
+        QTest::newRow("segunda llamada no redibuja") << true << 2;
+    }
 
-void TestMiniHelpWeb::pagina_data()
-{
-    QTest::addColumn<bool>("mostrada");
-    QTest::addColumn<int>("llamadas");
-    // The host's usual order: fill the window, then show it modally.
-    QTest::newRow("antes de mostrarla, luego modal") << false << 1;
-    QTest::newRow("segunda llamada no redibuja") << true << 2;
-}
+    void pagina()
+    {
+        QFETCH(bool, mostrada); QFETCH(int, llamadas);
+        MiniHelp v;
+        if (mostrada) {
+            v.show();
+            QApplication::processEvents();
+        }
+        const QString url = servidor.Url(u"/"_qs);
+#ifndef KVR_CON_WEBENGINE
+        Navegador navegador;
+        QDesktopServices::setUrlHandler(u"http"_qs, &navegador, "abrir");
+#endif
+        bool problema = true;
+        for (int i = 0; i < llamadas; ++i) {
+            problema = true;
+            v.MiExplorer(url, problema);
+        }
+#ifndef KVR_CON_WEBENGINE
+        QDesktopServices::unsetUrlHandler(u"http"_qs);
+        QCOMPARE(navegador.abiertas.size(), llamadas);
+        QCOMPARE(navegador.abiertas.first(), QUrl(url));
+#endif
+        QVERIFY(!problema);
+        QVERIFY(!v.ErrorNavegacion());
+        QWidget *web = v.findChild<QWidget *>(u"MiniWeb"_qs);
+        QWidget *tira = v.findChild<QWidget *>(u"MiVersion"_qs);
+        QVERIFY(!web->isHidden());
+        QVERIFY(!tira->isHidden());
+        QCOMPARE(tira->property("texto").toString(), MiniHelp::TextoVersion());
+        QCOMPARE(tira->property("dibujos").toInt(), 1);
+        QCOMPARE(v.isVisible(), mostrada);
+        const QColor azul = v.findChild<QTextEdit *>(u"TextoAyuda"_qs)->palette().color(QPalette::Base);
+        QCOMPARE(azul, QColor(0x80, 0x80, 0xFF));
+#ifdef KVR_CON_WEBENGINE
+        auto *vista = qobject_cast<QWebEngineView *>(web);
+        QVERIFY(vista);
+        QCOMPARE(vista->title(), u"Ayuda de prueba"_qs);
+        QCOMPARE(vista->url(), QUrl(url));
+#endif
+        if (!mostrada) {
+            bool webVisible = false;
+            alAbrirse([&](QWidget *m) {
+                webVisible = control(m, "MiniWeb")->isVisible();
+                QTest::mouseClick(control(m, "cmdCerrar"), Qt::LeftButton);
+            });
+            QCOMPARE(v.exec(), int(QDialog::Rejected));
+            QVERIFY(webVisible);
+        }
+    }
 
-void TestMiniHelpWeb::pagina()
-{
-    QFETCH(bool, mostrada); QFETCH(int, llamadas);
-    MiniHelp v;
-    if (mostrada) {
+    void fallo_data()
+    {
+        QTest::addColumn<QString>("url");
+        QTest::addColumn<bool>("soloConMotor");  // the desktop's browser reports no failures to us
+        QTest::newRow("puerto cerrado") << QStringLiteral("http://127.0.0.1:%1/").arg(PuertoCerrado()) << true;
+        QTest::newRow("pagina no encontrada") << servidor.Url(u"/falta.html"_qs) << true;
+        QTest::newRow("direccion vacia") << QString() << false;
+    }
+
+    void fallo()
+    {
+        QFETCH(QString, url);
+#ifndef KVR_CON_WEBENGINE
+        QFETCH(bool, soloConMotor);
+        if (soloConMotor)
+            QSKIP("built without QtWebEngine: the desktop's browser shows this page");
+#endif
+        MiniHelp v;
         v.show();
         QApplication::processEvents();
-    }
-    const QString url = servidor.Url(u"/"_qs);
-#ifndef KVR_CON_WEBENGINE
-    Navegador navegador;
-    QDesktopServices::setUrlHandler(u"http"_qs, &navegador, "abrir");
-#endif
-    bool problema = true;
-    for (int i = 0; i < llamadas; ++i) {
-        problema = true;
+        bool problema = false;
         v.MiExplorer(url, problema);
+        QVERIFY(problema);
+        QVERIFY(v.ErrorNavegacion());
+        QVERIFY(!v.isVisible());
+        QVERIFY(v.findChild<QWidget *>(u"MiniWeb"_qs)->isHidden());
+        QCOMPARE(v.findChild<QWidget *>(u"MiVersion"_qs)->property("dibujos").toInt(), 0);
     }
+
+    void cerrarMientrasCarga()
+    {
 #ifndef KVR_CON_WEBENGINE
-    QDesktopServices::unsetUrlHandler(u"http"_qs);
-    QCOMPARE(navegador.abiertas.size(), llamadas);
-    QCOMPARE(navegador.abiertas.first(), QUrl(url));
+        QSKIP("built without QtWebEngine: nothing loads inside the window");
 #endif
-    QVERIFY(!problema);
-    QVERIFY(!v.ErrorNavegacion());
-    QWidget *web = v.findChild<QWidget *>(u"MiniWeb"_qs);
-    QWidget *tira = v.findChild<QWidget *>(u"MiVersion"_qs);
-    QVERIFY(!web->isHidden());
-    QVERIFY(!tira->isHidden());
-    QCOMPARE(tira->property("texto").toString(), MiniHelp::TextoVersion());
-    QCOMPARE(tira->property("dibujos").toInt(), 1);
-    QCOMPARE(v.isVisible(), mostrada);
-    const QColor azul = v.findChild<QTextEdit *>(u"TextoAyuda"_qs)->palette().color(QPalette::Base);
-    QCOMPARE(azul, QColor(0x80, 0x80, 0xFF));
-#ifdef KVR_CON_WEBENGINE
-    auto *vista = qobject_cast<QWebEngineView *>(web);
-    QVERIFY(vista);
-    QCOMPARE(vista->title(), u"Ayuda de prueba"_qs);
-    QCOMPARE(vista->url(), QUrl(url));
-#endif
-    if (!mostrada) {
-        bool webVisible = false;
-        alAbrirse([&](QWidget *m) {
-            webVisible = control(m, "MiniWeb")->isVisible();
-            QTest::mouseClick(control(m, "cmdCerrar"), Qt::LeftButton);
+        // A page that never arrives: the user's Cerrar ends the wait.
+        MiniHelp v;
+        v.show();
+        QApplication::processEvents();
+        QTimer::singleShot(300, &v, [&v] {
+            QTest::mouseClick(v.findChild<QWidget *>(u"cmdCerrar"_qs), Qt::LeftButton);
         });
-        QCOMPARE(v.exec(), int(QDialog::Rejected));
-        QVERIFY(webVisible);
+        bool problema = false;
+        v.MiExplorer(servidor.Url(u"/lenta"_qs), problema);
+        QVERIFY(problema);
+        QVERIFY(!v.isVisible());
     }
-}
-
-void TestMiniHelpWeb::fallo_data()
-{
-    QTest::addColumn<QString>("url");
-    QTest::addColumn<bool>("soloConMotor");  // the desktop's browser reports no failures to us
-    QTest::newRow("puerto cerrado") << QStringLiteral("http://127.0.0.1:%1/").arg(PuertoCerrado()) << true;
-    QTest::newRow("pagina no encontrada") << servidor.Url(u"/falta.html"_qs) << true;
-    QTest::newRow("direccion vacia") << QString() << false;
-}
-
-void TestMiniHelpWeb::fallo()
-{
-    QFETCH(QString, url);
-#ifndef KVR_CON_WEBENGINE
-    QFETCH(bool, soloConMotor);
-    if (soloConMotor)
-        QSKIP("built without QtWebEngine: the desktop's browser shows this page");
-#endif
-    MiniHelp v;
-    v.show();
-    QApplication::processEvents();
-    bool problema = false;
-    v.MiExplorer(url, problema);
-    QVERIFY(problema);
-    QVERIFY(v.ErrorNavegacion());
-    QVERIFY(!v.isVisible());
-    QVERIFY(v.findChild<QWidget *>(u"MiniWeb"_qs)->isHidden());
-    QCOMPARE(v.findChild<QWidget *>(u"MiVersion"_qs)->property("dibujos").toInt(), 0);
-}
-
-void TestMiniHelpWeb::cerrarMientrasCarga()
-{
-#ifndef KVR_CON_WEBENGINE
-    QSKIP("built without QtWebEngine: nothing loads inside the window");
-#endif
-    // A page that never arrives: the user's Cerrar ends the wait.
-    MiniHelp v;
-    v.show();
-    QApplication::processEvents();
-    QTimer::singleShot(300, &v, [&v] {
-        QTest::mouseClick(v.findChild<QWidget *>(u"cmdCerrar"_qs), Qt::LeftButton);
-    });
-    bool problema = false;
-    v.MiExplorer(servidor.Url(u"/lenta"_qs), problema);
-    QVERIFY(problema);
-    QVERIFY(!v.isVisible());
-}
+};
 
 QTEST_MAIN(TestMiniHelpWeb)
 #include "tst_minihelp_web.moc"
