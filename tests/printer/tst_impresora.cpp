@@ -76,6 +76,7 @@ private Q_SLOTS:
         m_colas = QString::fromUtf8(prueba::ejecutar(u"lpstat"_qs, {u"-e"_qs})).split(u'\n', Qt::SkipEmptyParts);
         QCOMPARE(QString::fromUtf8(prueba::ejecutar(u"lpstat"_qs, {u"-d"_qs})).section(u':', 1).trimmed(), u"PDF"_qs);
     }
+
     // "Imprimir cinta…" from the context menu of a tape, with the last choice "X|Horizontal",
     // on the default destination or, when "entorno" names one, on LPDEST's (for this process
     // only) or on a CUPS_SERVER that does not exist. What the dialog shows on opening: the entry
