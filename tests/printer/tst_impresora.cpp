@@ -12,6 +12,8 @@
 #include <QRegularExpression>
 
 #include <cups/cups.h>
+#include <pwd.h>
+#include <unistd.h>
 
 using namespace kvr;
 using prueba::control;
@@ -34,12 +36,19 @@ void recorrer(QWidget *d, const QString &pasos)
     }
 }
 
-// How the tape came out of cups-pdf (Debian's cups-pdf writes to ~/PDF): "vertical", or
+// Where Debian's cups-pdf writes a job: "PDF" in the home folder that the password file gives
+// the job's owner, this test's user, whatever HOME says.
+QString carpetaPdf()
+{
+    return QString::fromLocal8Bit(getpwuid(getuid())->pw_dir) + u"/PDF"_qs;
+}
+
+// How the tape came out of cups-pdf: "vertical", or
 // "apaisada" when the first word's box is taller than wide, landscape text running up the
 // portrait sheet cups-pdf writes; or what went wrong.
 QString hojaImpresa(const QStringList &antes, const QString &cinta)
 {
-    QDir salida(QDir::home().filePath(u"PDF"_qs), u"*.pdf"_qs, QDir::Name, QDir::Files);
+    QDir salida(carpetaPdf(), u"*.pdf"_qs, QDir::Name, QDir::Files);
     QString pdf;
     const bool escrito = QTest::qWaitFor([&] {
         salida.refresh();
@@ -115,7 +124,7 @@ private Q_SLOTS:
         ImpresoraCancelada = !pasos.endsWith(u'a');
         QPlainTextEdit papel(u"Cinta de prueba\n     12,50 +\n      7,00 +\n     19,50 *\n"_qs);
         PonerMenuCinta(&papel);
-        const QStringList antes = QDir(QDir::home().filePath(u"PDF"_qs)).entryList();
+        const QStringList antes = QDir(carpetaPdf()).entryList();
         QStringList entradas, vistas;
         // Inside the menu's own loop: "Imprimir cinta…", then the steps inside the dialog's.
         QTimer::singleShot(0, qApp, [&] {
