@@ -17,8 +17,6 @@
 
 #include <zlib.h>
 
-#include <csignal>
-#include <sys/resource.h>
 
 using namespace kvr;
 using prueba::resultado;
@@ -210,15 +208,11 @@ private Q_SLOTS:
         const QString destino = ruta(u"lleno"_qs);
         const QByteArray viejo = prueba::leer(m_deZip);
         ServiciosGrabados servicios;
-        rlimit antes {};
-        getrlimit(RLIMIT_FSIZE, &antes);
-        const rlimit lleno {1 << 20, antes.rlim_max}; // no file of this process grows beyond 1 MB: a full disk
-        std::signal(SIGXFSZ, SIG_IGN);
-        setrlimit(RLIMIT_FSIZE, &lleno);
+        auto lleno = std::make_unique<prueba::DiscoLleno>(1 << 20);
         const bool restaurada = RestaurarCopia(m_deZip, destino, true);
         const bool sobreLaVieja = CopiaSeguridad({m_origen + u"/datos"_qs}, m_deZip, true);
         const bool nueva = CopiaSeguridad({m_origen + u"/datos"_qs}, ruta(u"nueva.zip"_qs));
-        setrlimit(RLIMIT_FSIZE, &antes);
+        lleno.reset();
         QVERIFY(!restaurada && !sobreLaVieja && !nueva);
         QVERIFY(prueba::leer(m_deZip) == viejo);
         QCOMPARE(servicios.mensajes.size(), 3);

@@ -8,7 +8,10 @@
 #include <QStringList>
 #include <QtTest>
 
+#include <csignal>
 #include <initializer_list>
+
+#include <sys/resource.h>
 
 namespace prueba {
 
@@ -32,6 +35,23 @@ inline QStringList L(std::initializer_list<const char *> textos)
         r << QString::fromUtf8(t);
     return r;
 }
+
+// While alive, no file of this process may grow past `bytes`: a disk that fills half way through a
+// write. The write past it fails (SIGXFSZ ignored) instead of ending the process.
+class DiscoLleno {
+public:
+    explicit DiscoLleno(rlim_t bytes)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_antes);
+        const rlimit limite{bytes, m_antes.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limite);
+    }
+    ~DiscoLleno() { setrlimit(RLIMIT_FSIZE, &m_antes); }
+
+private:
+    rlimit m_antes{};
+};
 
 // Runs a program to its end, fed `entrada`: what it printed, or "<NAME falló>" when it could not
 // start, did not end within 30 s or ended with an error.

@@ -19,11 +19,10 @@
 #include <QTemporaryDir>
 #include <QWheelEvent>
 
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
+#include <optional>
 
-#include <csignal>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 using namespace kvr;
 using namespace prueba;
@@ -279,9 +278,7 @@ private Q_SLOTS:
         QString caja;
         ContactoElegido = u"antes"_qs;
         QLockFile cerrojo(RutaContactos() + u".lock"_qs);
-        rlimit limite{};
-        getrlimit(RLIMIT_FSIZE, &limite);
-        const auto sinLimite = qScopeGuard([&limite] { setrlimit(RLIMIT_FSIZE, &limite); });
+        std::optional<DiscoLleno> lleno;
         for (const QString &paso : pasos) {
             const QString orden = paso.section(u' ', 0, 0), resto = paso.section(u' ', 1);
             const int fila = resto.section(u' ', 0, 0).toInt(), col = paso.section(u' ', -1).toInt();
@@ -316,10 +313,7 @@ private Q_SLOTS:
             } else if (paso == u"sin carpeta") {
                 QVERIFY(QDir(m_dir->path()).removeRecursively());
             } else if (paso == u"disco lleno") {
-                // A file size limit stands for a disk that fills half way through the write.
-                std::signal(SIGXFSZ, SIG_IGN);
-                const rlimit corto{150, limite.rlim_max};
-                setrlimit(RLIMIT_FSIZE, &corto);
+                lleno.emplace(150);
             } else if (orden == u"por") {
                 EnviadoPor = resto;
             } else if (orden == u"abrir") {

@@ -16,8 +16,6 @@
 #include <QInputDialog>
 #include <QLineEdit>
 
-#include <csignal>
-#include <sys/resource.h>
 
 using namespace kvr;
 using namespace prueba;
@@ -162,18 +160,13 @@ private Q_SLOTS:
         Rejilla g;
         llenar(g, QStringList(100, u"ELEMENTO"_qs));
         QString fichero = ruta(nombre);
-        std::signal(SIGXFSZ, SIG_IGN);
-        rlimit antes{};
-        QCOMPARE(getrlimit(RLIMIT_FSIZE, &antes), 0);
-        const rlimit corto{64, antes.rlim_max};
-        QCOMPARE(setrlimit(RLIMIT_FSIZE, &corto), 0);
         QString visto; // the error's number and description
         try {
+            const prueba::DiscoLleno lleno(64);
             FicheroTabla(operacion, fichero, g);
         } catch (const ErrorEjecucion &e) {
             visto = QString::number(e.numero()) + u' ' + e.descripcion();
         }
-        setrlimit(RLIMIT_FSIZE, &antes);
         QVERIFY2(visto.startsWith(QString::number(numero) + u' ') && visto.contains(fichero), qPrintable(visto));
         QCOMPARE(leer(ruta(u"corta/tabla.txt"_qs)), QByteArray("ANTES\r\n"));
         // No temporary file beside it, the folder still a folder, no missing folder made.
