@@ -471,7 +471,8 @@ print(*[n for n in sys.argv[1:] if not nif.is_valid(n)], len(sys.argv) - 1)
                 BorrarIni(f, o[0], o.value(1));
             return QString();
         };
-        QCOMPARE(resultado(llamada).toUtf8() + prueba::leer(m_notas), visto);
+        const QByteArray devuelto = resultado(llamada).toUtf8(); // before the file is read back
+        QCOMPARE(devuelto + prueba::leer(m_notas), visto);
     }
 };
 
