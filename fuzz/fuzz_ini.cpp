@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QStringDecoder>
 
 #include <cstdint>
 #include <cstdlib>
@@ -30,6 +31,15 @@ QByteArray leer()
     if (!f.open(QIODevice::ReadOnly))
         std::abort();
     return f.readAll();
+}
+
+// The reader takes a file as UTF-8 when its bytes are valid UTF-8, as Windows-1252 otherwise.
+bool esUtf8(const QByteArray &b)
+{
+    QStringDecoder d(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString texto = d.decode(b); // decoding happens when the result becomes a string
+    Q_UNUSED(texto);
+    return !d.hasError();
 }
 
 } // namespace
@@ -62,7 +72,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tam)
     const QByteArray despues = leer();
     if (kvr::LeerIni(fichero(), seccion, clave) != QStringLiteral("Valor 1"))
         std::abort();
-    if (otra.trimmed().compare(clave.trimmed(), Qt::CaseInsensitive) != 0
+    // The code page is told by the bytes alone: a Windows-1252 file whose only bytes that are not
+    // UTF-8 stood in the rewritten value reads as UTF-8 afterwards, and its other non-ASCII text
+    // with it. The other key is compared while the file reads in the same code page.
+    if (otra.trimmed().compare(clave.trimmed(), Qt::CaseInsensitive) != 0 && esUtf8(bytes) == esUtf8(despues)
         && kvr::LeerIni(fichero(), seccion, otra, QStringLiteral("\x01")) != antesOtra)
         std::abort();
     // Everything up to the first byte that differs is the old file's, and so is everything after
