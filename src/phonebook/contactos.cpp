@@ -55,9 +55,12 @@ void escribirAtomico(const QString &ruta, const QByteArray &datos)
     if (!fichero.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         fallo(ErrorEjecucion::AccesoDenegado, ruta, fichero.errorString());
     if (fichero.write(datos) != datos.size()) {
-        // A write cut short by a full disk leaves Qt no error text of its own ("Unknown error").
+        // A write that the disk cut short part way is no error to Qt ("Unknown error"); one that
+        // failed outright keeps the system's own cause.
+        const QString causa = fichero.error() == QFileDevice::NoError ? QStringLiteral("no cupo entero en el disco")
+                                                                       : fichero.errorString();
         fichero.cancelWriting();
-        fallo(ErrorEjecucion::ErrorEntradaSalida, ruta, QStringLiteral("no cupo entero en el disco"));
+        fallo(ErrorEjecucion::ErrorEntradaSalida, ruta, causa);
     }
     if (!fichero.commit())
         fallo(ErrorEjecucion::ErrorEntradaSalida, ruta, fichero.errorString());
