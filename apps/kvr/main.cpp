@@ -265,6 +265,11 @@ int telefonos(Argumentos &)
 {
     kvr::ContactoElegido.clear();
     auto *agenda = new kvr::Telefonos; // deletes itself when closed
+    if (!agenda->Cargada()) {
+        // Its file could not be read: the error was shown, and there is no window to wait for.
+        delete agenda;
+        return ErrorUso;
+    }
     agenda->show();
     QCoreApplication::exec();
     if (kvr::ContactoElegido.isEmpty())

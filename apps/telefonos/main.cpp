@@ -13,6 +13,11 @@ int main(int argc, char *argv[])
     QApplication::setApplicationName(QStringLiteral("Telefonos"));
     // The window deletes itself when it closes; the program ends with it.
     auto *agenda = new kvr::Telefonos;
+    if (!agenda->Cargada()) {
+        // The contacts file could not be read; the error was shown.
+        delete agenda;
+        return 2;
+    }
     agenda->show();
     agenda->activateWindow();
     const int r = app.exec();

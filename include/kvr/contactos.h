@@ -7,6 +7,7 @@
 // cells (spare, name, phone, fax, e-mail) joined by TAB. Lines are separated by CR alone and the
 // whole text ends in one CR LF; CR LF and LF alone are read too. The text is in the DOS code
 // page 850.
+#include <kvr/ficheros.h>
 #include <kvr/rejilla.h>
 
 #include <QByteArrayView>
@@ -29,26 +30,13 @@ bool CarpetaContactosDeTLF();
 // CarpetaContactos() + "TELEFONO.DAT".
 QString RutaContactos();
 
-// One version of a file on disk: modification time to the nanosecond, the file's identity
-// (device and inode: an atomic save puts a new inode in place) and its size. Two versions
-// written within the file system's time resolution still differ in inode or size.
-struct SelloFichero {
-    bool existe = false;
-    qint64 nanosegundos = 0; // modification time, nanoseconds since 1970
-    quint64 dispositivo = 0;
-    quint64 inodo = 0;
-    qint64 tamano = 0;
-
-    // The modification time as a date-time (to the millisecond); invalid when there is no file.
-    QDateTime fecha() const;
-    bool operator==(const SelloFichero &) const = default;
-};
-// The version of the file at `ruta` now (existe false when there is none).
-SelloFichero SelloDe(const QString &ruta);
 
 // Sets the grid's columns and fills it with the contacts of a file's bytes (the header line
 // skipped). A text with no contact leaves the header and one blank row, ready for a new contact.
-void ContactosDeTexto(QByteArrayView datos, Rejilla &grid);
+// `noRepresentable`, when given, receives why the grid cannot hold the text whole, so that a
+// save would lose part of it (a first line that is not the header, a line of more than five
+// cells), or stays empty.
+void ContactosDeTexto(QByteArrayView datos, Rejilla &grid, QString *noRepresentable = nullptr);
 // The file's bytes for a grid: every row, the header included, its cells joined by TAB, rows
 // by CR, CR LF at the end, in code page 850. A TAB, CR or LF inside a cell is written as a blank,
 // so that it cannot split the contact.
@@ -59,8 +47,10 @@ void OrdenarContactos(Rejilla &grid);
 // Loads the file into the grid, sorted, and returns the version read, taken from the open file
 // itself, so that a save by somebody else while reading cannot be mistaken for what was read.
 // A missing file empties the grid and returns existe false. A file that exists but cannot be
-// read throws ErrorEjecucion (AccesoDenegado).
-SelloFichero LeerFicheroContactos(const QString &ruta, Rejilla &grid);
+// read, and a path that names a folder, a FIFO or a device, throw ErrorEjecucion naming it
+// (AccesoDenegado); nothing is opened that could block. `noRepresentable` as for
+// ContactosDeTexto.
+SelloFichero LeerFicheroContactos(const QString &ruta, Rejilla &grid, QString *noRepresentable = nullptr);
 
 enum class ResultadoGrabacion {
     Grabado,    // written; the version passed in is now the new file's
@@ -73,7 +63,10 @@ enum class ResultadoGrabacion {
 // lock left by a process that died is taken over. The write is atomic: the old file stays whole
 // until the new one is complete on disk. A folder from "TLF" that does not exist is not created;
 // the default folder is. A file that cannot be written (read-only file, missing folder, full
-// disk) throws ErrorEjecucion naming the file and the cause, with the file untouched.
+// disk, a link out of its folder, not a regular file) throws ErrorEjecucion naming the file and
+// the cause in Spanish, with the file untouched. The write is GrabarFicheroAtomico's: a link is
+// followed only to the user's own file in the same folder, and only our own stale temporary
+// files are removed.
 ResultadoGrabacion GrabarFicheroContactos(const QString &ruta, Rejilla &grid, SelloFichero &sello,
                                          int esperaMs = 4000);
 

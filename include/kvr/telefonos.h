@@ -57,6 +57,16 @@ public:
     QDateTime FechaContactos() const { return m_sello.fecha(); }
     QString ProgramaFax() const { return m_programaFax; }
     bool Cargando() const { return m_cargando; }
+    // False when the window could not load its contacts file (a folder, a FIFO or a device in its
+    // place, a file that cannot be read): the error was shown and the window is never shown; it
+    // deletes itself when asked to show.
+    bool Cargada() const { return m_cargada; }
+    // Why the file is open for consulting only (it holds what the grid cannot keep, so a save
+    // would lose it); empty when it can be edited.
+    QString SoloConsulta() const { return m_soloConsulta; }
+    // True while a change the user made is in the grid but not in the file (its save was refused
+    // by a busy lock or failed): leaving then asks first.
+    bool SinGrabar() const { return m_sinGrabar; }
 
     // Handlers, named after the controls and events that run them.
     void Form_Load();
@@ -74,8 +84,11 @@ public:
     void cmdFax_Click();
     void cmdSalir_Click();
 
+    void setVisible(bool visible) override;
+
 protected:
     bool event(QEvent *evento) override;
+    void closeEvent(QCloseEvent *evento) override;
     bool eventFilter(QObject *objeto, QEvent *evento) override;
     void keyReleaseEvent(QKeyEvent *evento) override;
 
@@ -97,6 +110,9 @@ private:
     SelloFichero m_sello;
     bool m_cargando = false;
     bool m_moviendo = false;
+    bool m_cargada = true;
+    bool m_sinGrabar = false;
+    QString m_soloConsulta;
 };
 
 } // namespace kvr

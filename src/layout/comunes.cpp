@@ -2,6 +2,7 @@
 // grids and reports, reading a text file by lines and list texts.
 #include "kvr/comunes.h"
 #include "kvr/error.h"
+#include "kvr/ficheros.h"
 #include "kvr/numeros.h"
 
 #include <QFile>
@@ -267,14 +268,14 @@ QString FormatoFijo(double valor, int ancho, const QString &formato)
 
 QStringList LeerLineas(const QString &ruta)
 {
-    if (!Existe(ruta, false))
-        return {};
-    QFile f(ruta);
-    if (QFileInfo(ruta).isDir() || !f.open(QIODevice::ReadOnly))
+    // A folder, a FIFO or a device is refused before it is opened: a FIFO would block.
+    QByteArray bytes;
+    if (const auto fallo = LeerFicheroRegular(ruta, bytes)) {
+        if (fallo->numero == ErrorEjecucion::ArchivoNoEncontrado)
+            return {};
         throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
-                             QStringLiteral("No se puede leer el fichero %1").arg(ruta));
-    const QByteArray bytes = f.readAll();
-    f.close();
+                             QStringLiteral("No se puede leer el fichero %1: %2").arg(ruta, fallo->causa));
+    }
 
     QString texto;
     {

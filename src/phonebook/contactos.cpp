@@ -9,10 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
-#include <QSaveFile>
 #include <QStandardPaths>
-
-#include <sys/stat.h>
 
 #include <cstring>
 #include <string>
@@ -25,17 +22,6 @@ namespace {
 
 constexpr int Columnas = 5;
 
-SelloFichero selloDeStat(const struct stat &st)
-{
-    SelloFichero s;
-    s.existe = true;
-    s.nanosegundos = qint64(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
-    s.dispositivo = quint64(st.st_dev);
-    s.inodo = quint64(st.st_ino);
-    s.tamano = qint64(st.st_size);
-    return s;
-}
-
 QString textoError(const QString &ruta, const QString &causa)
 {
     return QStringLiteral("No se pudo grabar el fichero de contactos %1: %2").arg(QDir::toNativeSeparators(ruta), causa);
@@ -46,25 +32,8 @@ QString textoError(const QString &ruta, const QString &causa)
     throw ErrorEjecucion(numero, textoError(ruta, causa));
 }
 
-// Writes the bytes over the file through a temporary file renamed into place only once it is
-// complete on disk. Unbuffered, so that a write cut short (a full disk) is seen here rather
-// than committed as a shortened file.
-void escribirAtomico(const QString &ruta, const QByteArray &datos)
-{
-    QSaveFile fichero(ruta);
-    if (!fichero.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        fallo(ErrorEjecucion::AccesoDenegado, ruta, fichero.errorString());
-    if (fichero.write(datos) != datos.size()) {
-        // A write that the disk cut short part way is no error to Qt ("Unknown error"); one that
-        // failed outright keeps the system's own cause.
-        const QString causa = fichero.error() == QFileDevice::NoError ? QStringLiteral("no cupo entero en el disco")
-                                                                       : fichero.errorString();
-        fichero.cancelWriting();
-        fallo(ErrorEjecucion::ErrorEntradaSalida, ruta, causa);
-    }
-    if (!fichero.commit())
-        fallo(ErrorEjecucion::ErrorEntradaSalida, ruta, fichero.errorString());
-}
+// The header line every program of the family writes: the grid's titles in code page 850.
+constexpr std::string_view CabeceraDos = "\tNombre\tTel\x82" "fono\tFax\teMail";
 
 } // namespace
 
@@ -92,27 +61,19 @@ QString RutaContactos()
     return CarpetaContactos() + QStringLiteral("TELEFONO.DAT");
 }
 
-QDateTime SelloFichero::fecha() const
-{
-    return existe ? QDateTime::fromMSecsSinceEpoch(nanosegundos / 1000000) : QDateTime();
-}
-
-SelloFichero SelloDe(const QString &ruta)
-{
-    struct stat st {};
-    if (ruta.isEmpty() || ::stat(QFile::encodeName(ruta).constData(), &st) != 0 || !S_ISREG(st.st_mode))
-        return {};
-    return selloDeStat(st);
-}
-
-void ContactosDeTexto(QByteArrayView datos, Rejilla &grid)
+void ContactosDeTexto(QByteArrayView datos, Rejilla &grid, QString *noRepresentable)
 {
     CargarVisor(grid, DescriptorContactos);
     const char *p = datos.data();
     const char *const fin = p + datos.size();
-    // The header line goes, whatever it holds.
+    // The header line goes, whatever it holds; but a save writes the grid's own, so a file whose
+    // first line is something else would lose it.
     while (p < fin && *p != '\r' && *p != '\n')
         ++p;
+    QString motivo;
+    if (p != datos.data() && std::string_view(datos.data(), std::size_t(p - datos.data())) != CabeceraDos)
+        motivo = QStringLiteral("su primera línea no es la cabecera de la agenda");
+    qsizetype numeroLinea = 1;
 
     // One row for each line end, at most: room is made once.
     qsizetype lineas = 0;
@@ -148,6 +109,7 @@ void ContactosDeTexto(QByteArrayView datos, Rejilla &grid)
             p += 2;
         else
             ++p;
+        ++numeroLinea;
         const char *inicio = p;
         p = finDeLinea(p);
         if (p == inicio)
@@ -159,11 +121,17 @@ void ContactosDeTexto(QByteArrayView datos, Rejilla &grid)
         const char *const e = Utf8DeDos(std::string_view(inicio, largo), linea.data());
         int n = 0;
         const char *c = d;
-        while (n < Columnas) {
+        for (;;) {
             const char *tab = static_cast<const char *>(std::memchr(c, '\t', std::size_t(e - c)));
             celdas[n++] = std::string_view(c, std::size_t((tab ? tab : e) - c));
             if (!tab)
                 break;
+            if (n == Columnas) {
+                // The grid has no place for the cells after the fifth.
+                if (motivo.isEmpty())
+                    motivo = QStringLiteral("la línea %1 tiene más de cinco columnas").arg(numeroLinea);
+                break;
+            }
             c = tab + 1;
         }
         grid.AgregarFilaUtf8(celdas, n);
@@ -172,6 +140,8 @@ void ContactosDeTexto(QByteArrayView datos, Rejilla &grid)
     if (grid.Rows() > 2)
         grid.RemoveItem(1);
     grid.PonerRedraw(redraw);
+    if (noRepresentable)
+        *noRepresentable = motivo;
 }
 
 QByteArray TextoContactos(const Rejilla &grid)
@@ -205,26 +175,25 @@ void OrdenarContactos(Rejilla &grid)
     OrdenarVisor(grid, ColNombre, false, ColNombre);
 }
 
-SelloFichero LeerFicheroContactos(const QString &ruta, Rejilla &grid)
+SelloFichero LeerFicheroContactos(const QString &ruta, Rejilla &grid, QString *noRepresentable)
 {
-    QFile fichero(ruta);
-    if (!fichero.exists()) {
-        CargarVisor(grid, DescriptorContactos);
-        return {};
-    }
-    if (QFileInfo(ruta).isDir() || !fichero.open(QIODevice::ReadOnly))
+    QByteArray datos;
+    // The version is the one of the file read: a save that replaces the file meanwhile puts a
+    // new inode in place and leaves this one as it was.
+    SelloFichero sello;
+    if (const auto fallo = LeerFicheroRegular(ruta, datos, &sello)) {
+        if (fallo->numero == ErrorEjecucion::ArchivoNoEncontrado) {
+            CargarVisor(grid, DescriptorContactos);
+            if (noRepresentable)
+                noRepresentable->clear();
+            return {};
+        }
         throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
                              QStringLiteral("No se pudo leer el fichero de contactos %1: %2")
-                                 .arg(QDir::toNativeSeparators(ruta), fichero.errorString()));
-    // The version is the one of the file opened: a save that replaces the file meanwhile puts a
-    // new inode in place and leaves this one as it was.
-    struct stat st {};
-    SelloFichero sello;
-    if (::fstat(fichero.handle(), &st) == 0)
-        sello = selloDeStat(st);
-    const QByteArray datos = fichero.readAll();
-    fichero.close();
-    ContactosDeTexto(datos, grid);
+                                 .arg(QDir::toNativeSeparators(ruta), fallo->causa));
+    }
+    ContactosDeTexto(datos, grid, noRepresentable);
+    datos = QByteArray();
     OrdenarContactos(grid);
     return sello;
 }
@@ -240,9 +209,6 @@ ResultadoGrabacion GrabarFicheroContactos(const QString &ruta, Rejilla &grid, Se
             || !QDir().mkpath(carpeta))
             fallo(ErrorRutaNoEncontrada, ruta, QStringLiteral("no existe la carpeta %1").arg(QDir::toNativeSeparators(carpeta)));
     }
-    if (info.exists() && (info.isDir() || !(info.permissions() & QFileDevice::WriteOwner)))
-        fallo(ErrorEjecucion::AccesoDenegado, ruta, QStringLiteral("el fichero es de solo lectura"));
-
     QLockFile cerrojo(ruta + QStringLiteral(".lock"));
     // A lock older than this is taken as left behind (a program on another computer that
     // stopped); one of a process of this computer that no longer runs is taken over at once.
@@ -258,17 +224,9 @@ ResultadoGrabacion GrabarFicheroContactos(const QString &ruta, Rejilla &grid, Se
     if (actual.existe && actual != sello)
         return ResultadoGrabacion::Modificado;
 
-    // A save killed half way may have left its temporary file (the name QSaveFile gives it:
-    // the file's name, a dot and six characters). Only the holder of the lock writes, so one
-    // that is a minute old belongs to nobody.
-    const QFileInfoList restos = QDir(carpeta).entryInfoList({info.fileName() + QStringLiteral(".??????")}, QDir::Files);
-    for (const QFileInfo &resto : restos)
-        if (resto.fileName() != info.fileName() + QStringLiteral(".lock")
-            && resto.lastModified().secsTo(QDateTime::currentDateTime()) > 60)
-            QFile::remove(resto.filePath());
-
     OrdenarContactos(grid);
-    escribirAtomico(ruta, TextoContactos(grid));
+    if (const auto f = GrabarFicheroAtomico(ruta, TextoContactos(grid)))
+        fallo(f->numero, ruta, f->causa);
     sello = SelloDe(ruta);
     return ResultadoGrabacion::Grabado;
 }

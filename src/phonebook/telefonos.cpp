@@ -12,7 +12,9 @@
 #include "kvr/utilidades.h"
 #include "kvr/visorrejilla.h"
 
+#include <QCloseEvent>
 #include <QCoreApplication>
+#include <QDir>
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QScrollBar>
@@ -35,6 +37,11 @@ const QString TextoModificado = QStringLiteral("Fichero de contactos fué modifi
 const QString TextoOcupado = QStringLiteral(
     "El fichero de contactos lo está grabando otro programa.;;Su cambio sigue en la lista y se grabará con el próximo.");
 const QString TextoBorrar = QStringLiteral("¿ Confirma que desea ELIMINAR el contacto seleccionado ?");
+const QString TextoSalir = QStringLiteral("Datos han sido modificados.;;¿ Desea salir sin grabar ?");
+const QString TextoFila1 = QStringLiteral(
+    "La primera fila de la lista tiene datos, aunque no tiene nombre.;;¿ Desea escribir el contacto nuevo "
+    "sobre ella ?;;(No: se añade como contacto nuevo.)");
+const QString TituloVentana = QStringLiteral("Teléfonos");
 
 // Rows hold the contact's four cells run together for the search.
 const std::vector<int> ColumnasBusqueda = {ColNombre, ColTelefono, ColFax, ColEmail};
@@ -89,7 +96,7 @@ Telefonos::Telefonos(QWidget *parent)
 {
     ui->setupUi(this);
     setObjectName(QStringLiteral("Telefonos"));
-    setWindowTitle(QStringLiteral("Teléfonos"));
+    setWindowTitle(TituloVentana);
     setAttribute(Qt::WA_DeleteOnClose);
 
     // The design names the control arrays "Tlf(i)", "Label1(i)" and "Marco(i)"; the form
@@ -128,7 +135,29 @@ Telefonos::Telefonos(QWidget *parent)
     for (const auto &[boton, metodo] : botones)
         connect(boton, &QPushButton::clicked, this, [m = manejar(metodo)] { m(); });
 
-    EjecutarManejador([this] { Form_Load(); });
+    // A file that cannot be loaded (a folder or a FIFO in its place) leaves no half-built window:
+    // the error is shown and the window is never shown.
+    m_cargada = EjecutarManejador([this] { Form_Load(); });
+}
+
+void Telefonos::setVisible(bool visible)
+{
+    if (visible && !m_cargada) {
+        deleteLater();
+        return;
+    }
+    QWidget::setVisible(visible);
+}
+
+void Telefonos::closeEvent(QCloseEvent *evento)
+{
+    // A contact typed while the file could not be written (busy, read-only, full disk) is only in
+    // this window: leaving would lose it, so the user is asked, "No" first.
+    if (m_sinGrabar && int(MyMsgBox(TextoSalir, QString(), IconoPregunta, 3, 2)) != 6) {
+        evento->ignore();
+        return;
+    }
+    QWidget::closeEvent(evento);
 }
 
 Telefonos::~Telefonos()
@@ -167,16 +196,25 @@ void Telefonos::CargarContactos()
         Telefonos *t;
         ~Fin() { t->m_cargando = false; }
     } fin{this};
-    const SelloFichero leido = LeerFicheroContactos(m_fichero, grid());
+    const SelloFichero leido = LeerFicheroContactos(m_fichero, grid(), &m_soloConsulta);
+    m_sinGrabar = false;
     // A missing file leaves the grid empty and the remembered version as it was.
     if (leido.existe)
         m_sello = leido;
+    // A file the grid cannot hold whole is shown for consulting only: a save would lose the rest.
+    ui->cmdNuevo->setEnabled(m_soloConsulta.isEmpty());
+    setWindowTitle(m_soloConsulta.isEmpty() ? TituloVentana : TituloVentana + QStringLiteral(" (solo consulta)"));
     modoConsulta();
     ui->BuscoTLF->clear();
     grid().PonerRow(grid().Rows() > 1 ? 1 : 0);
     grid().PonerCol(ColNombre);
     // The search text is made once the window is idle, so that the first keystroke finds it.
     QTimer::singleShot(0, this, [this] { m_indice->actual(); });
+    if (!m_soloConsulta.isEmpty())
+        MyMsgBox(QStringLiteral("El fichero de contactos %1 se abre solo para consulta: %2.;;Al grabarlo se perdería "
+                                "lo que la agenda no puede mostrar.")
+                     .arg(QDir::toNativeSeparators(m_fichero), m_soloConsulta),
+                 QString(), IconoAdvertencia, 1, 1);
 }
 
 void Telefonos::modoConsulta()
@@ -200,7 +238,10 @@ void Telefonos::mensajeError(const QString &texto)
 
 void Telefonos::GrabarContactos()
 {
+    if (!m_soloConsulta.isEmpty())
+        return;
     ResultadoGrabacion r;
+    m_sinGrabar = true;
     try {
         r = GrabarFicheroContactos(m_fichero, grid(), m_sello);
     } catch (const ErrorEjecucion &e) {
@@ -208,6 +249,7 @@ void Telefonos::GrabarContactos()
         mensajeError(e.descripcion() + QStringLiteral(".;;Su cambio sigue en la lista, sin grabar."));
         return;
     }
+    m_sinGrabar = r == ResultadoGrabacion::Ocupado;
     if (r == ResultadoGrabacion::Modificado) {
         MyMsgBox(TextoModificado, QString(), IconoAdvertencia, 1, 1);
         CargarContactos();
@@ -265,8 +307,8 @@ void Telefonos::elegirFila(int fila, int col)
         return;
     if (col == ColEmail)
         ContactoElegido = LeerCelda(grid(), fila, ColEmail).trimmed();
-    ui->cmdEditar->setEnabled(true);
-    ui->cmdBorrar->setEnabled(true);
+    ui->cmdEditar->setEnabled(m_soloConsulta.isEmpty());
+    ui->cmdBorrar->setEnabled(m_soloConsulta.isEmpty());
     ui->NumeroTlf->setText(LeerCelda(grid(), fila, ColTelefono));
     ui->NumeroFax->setText(LeerCelda(grid(), fila, ColFax));
 }
@@ -312,8 +354,16 @@ void Telefonos::cmdNuevo_Click()
     // The new contact goes after the last row; but when the last row has no name (the blank
     // row of an empty phone book) it goes into row 1.
     int indice = grid().Rows();
-    if (LeerCelda(grid(), grid().Rows() - 1, ColNombre).isEmpty())
+    if (LeerCelda(grid(), grid().Rows() - 1, ColNombre).isEmpty()) {
         indice = 1;
+        // Row 1 is overwritten only when it is the blank row of an empty phone book, or when the
+        // user says so.
+        bool conDatos = false;
+        for (int c = 0; c < grid().Cols(); ++c)
+            conDatos = conDatos || !LeerCelda(grid(), 1, c).isEmpty();
+        if (conDatos && int(MyMsgBox(TextoFila1, QString(), IconoPregunta, 3, 2)) != 6)
+            indice = grid().Rows();
+    }
     ui->Indice->setText(QString::number(indice));
     AbrirEntrada();
 }

@@ -1,13 +1,13 @@
 #include "kvr/tablas.h"
 
 #include "kvr/error.h"
+#include "kvr/ficheros.h"
 #include "kvr/mivisor.h"
 #include "kvr/servicios.h"
 #include "kvr/comunes.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <algorithm>
 
@@ -18,17 +18,6 @@ namespace {
 QString conRuta(int numero, const QString &ruta)
 {
     return QStringLiteral("%1: %2").arg(ErrorEjecucion::DescripcionDe(numero), ruta);
-}
-
-[[noreturn]] void errorDeApertura(const QString &ruta)
-{
-    // A folder that does not exist gets its own number; anything else (a folder in the way, no
-    // permission) is an access error.
-    const QFileInfo info(ruta);
-    if (!info.absoluteDir().exists())
-        throw ErrorEjecucion(ErrorRutaNoEncontrada,
-                             QStringLiteral("No se ha encontrado la ruta de acceso: %1").arg(ruta));
-    throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado, conRuta(ErrorEjecucion::AccesoDenegado, ruta));
 }
 
 void cargar(const QString &ruta, Rejilla &grid)
@@ -53,18 +42,15 @@ void cargar(const QString &ruta, Rejilla &grid)
 void grabar(const QString &ruta, const Rejilla &grid)
 {
     const QByteArray datos = TextoTabla(ElementosTabla(grid));
-    if (QFileInfo(ruta).isDir())
-        throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado, conRuta(ErrorEjecucion::AccesoDenegado, ruta));
-    QSaveFile fichero(ruta);
-    // Unbuffered, so that a write cut short (a full disk, a size limit) is seen here: through
-    // Qt's buffer such a write counts as complete and the shortened file would be committed.
-    if (!fichero.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        errorDeApertura(ruta);
-    if (fichero.write(datos) != datos.size() || !fichero.commit()) {
-        // The temporary file goes away with `fichero`; the old file was never touched.
-        fichero.cancelWriting();
-        throw ErrorEjecucion(ErrorEjecucion::ErrorEntradaSalida,
-                             conRuta(ErrorEjecucion::ErrorEntradaSalida, ruta));
+    // Written whole or not at all; a folder, a FIFO or a link out of the table's folder in the
+    // file's place is refused. The caller gets the runtime's own error for the path.
+    if (const auto fallo = GrabarFicheroAtomico(ruta, datos)) {
+        if (fallo->numero == ErrorRutaNoEncontrada)
+            throw ErrorEjecucion(ErrorRutaNoEncontrada,
+                                 QStringLiteral("No se ha encontrado la ruta de acceso: %1").arg(ruta));
+        const int numero = fallo->numero == ErrorEjecucion::ErrorEntradaSalida ? ErrorEjecucion::ErrorEntradaSalida
+                                                                              : ErrorEjecucion::AccesoDenegado;
+        throw ErrorEjecucion(numero, conRuta(numero, ruta));
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
 #include <QTimer>
@@ -93,9 +94,11 @@ inline bool mostrarActiva(QWidget *w)
 inline void responder(const QString &boton, QString *mensaje = nullptr)
 {
     alAbrirse([boton, mensaje](QWidget *caja) {
-        if (mensaje)
-            if (auto *m = caja->findChild<QLabel *>(QStringLiteral("Mensaje")))
-                *mensaje = m->text();
+        // The runtime's box names its text "Mensaje"; the desktop's box (a run-time error) is a QMessageBox.
+        if (auto *m = caja->findChild<QLabel *>(QStringLiteral("Mensaje")); m && mensaje)
+            *mensaje = m->text();
+        else if (auto *q = qobject_cast<QMessageBox *>(caja); q && mensaje)
+            *mensaje = q->text();
         if (boton.isEmpty()) {
             QTest::keyClick(caja, Qt::Key_Escape);
             return;

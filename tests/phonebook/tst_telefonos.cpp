@@ -111,34 +111,43 @@ private Q_SLOTS:
     }
 
     // What a load puts in the grid, as a save would write it again: any line end, empty lines
-    // skipped, no end at the end, an empty file, a NUL read as a blank and cells past the e-mail
-    // left out.
+    // skipped, no end at the end, an empty file, a NUL read as a blank. What the grid cannot hold
+    // (cells past the e-mail, a first line that is not the header) is named, so that the window
+    // opens the file for consulting only.
     void cargar_data()
     {
         QTest::addColumn<QByteArray>("disco");
         QTest::addColumn<QByteArray>("grid");
+        QTest::addColumn<QString>("motivo");
         const QByteArray cabecera("\tNombre\tTel\x82" "fono\tFax\teMail");
         const QByteArray dos = cabecera + "\r\tANA PE\xA5" "A\t952 1\t952 2\tana@x.es\r\tjos\x82\t3\t\t\r\n";
-        QTest::newRow("CR") << QByteArray("x\r\tjos\x82\t3\r\tANA PE\xA5" "A\t952 1\t952 2\tana@x.es\r\n") << dos;
-        QTest::newRow("LF, sin final") << QByteArray("\n\tjos\x82\t3\n\tANA PE\xA5" "A\t952 1\t952 2\tana@x.es") << dos;
-        QTest::newRow("lineas vacias, CR LF")
-            << QByteArray("x\r\r\n\tjos\x82\t3\r\r\tANA PE\xA5" "A\t952 1\t952 2\tana@x.es\r\n\r\n") << dos;
-        QTest::newRow("vacio") << QByteArray() << cabecera + "\r\t\t\t\t\r\n";
-        QTest::newRow("NUL como blanco, celdas de mas fuera")
-            << QByteArray("c\r\tA\0B\t1\t2\t3\textra\r\n", 20) << cabecera + "\r\tA B\t1\t2\t3\r\n";
+        const QString ajena = u"su primera línea no es la cabecera de la agenda"_qs;
+        QTest::newRow("CR") << cabecera + "\r\tjos\x82\t3\r\tANA PE\xA5" "A\t952 1\t952 2\tana@x.es\r\n" << dos << QString();
+        QTest::newRow("LF, sin final") << QByteArray("\n\tjos\x82\t3\n\tANA PE\xA5" "A\t952 1\t952 2\tana@x.es") << dos
+                                       << QString();
+        QTest::newRow("lineas vacias, CR LF, otra cabecera")
+            << QByteArray("x\r\r\n\tjos\x82\t3\r\r\tANA PE\xA5" "A\t952 1\t952 2\tana@x.es\r\n\r\n") << dos << ajena;
+        QTest::newRow("vacio") << QByteArray() << cabecera + "\r\t\t\t\t\r\n" << QString();
+        QTest::newRow("NUL como blanco, celdas de mas")
+            << cabecera + QByteArray("\r\tA\0B\t1\t2\t3\r\tC\t1\t2\t3\textra\r\n", 28)
+            << cabecera + "\r\tA B\t1\t2\t3\r\tC\t1\t2\t3\r\n" << u"la línea 3 tiene más de cinco columnas"_qs;
+        QTest::newRow("una sola línea larga")
+            << QByteArray(1 << 20, 'x') << cabecera + "\r\t\t\t\t\r\n" << ajena;
     }
     void cargar()
     {
         QFETCH(QByteArray, disco);
         escribir(RutaContactos(), disco);
         Rejilla g;
-        QCOMPARE(LeerFicheroContactos(RutaContactos(), g).tamano, disco.size());
+        QString motivo;
+        QCOMPARE(LeerFicheroContactos(RutaContactos(), g, &motivo).tamano, disco.size());
         QTEST(TextoContactos(g), "grid");
+        QTEST(motivo, "motivo");
     }
 
     // Rows are saved sorted by name without regard to case; the text is what iconv gives for the
     // same UTF-8, rows joined by CR, the end CR LF; a TAB typed into a cell cannot split the
-    // contact. What a save killed an hour ago left behind goes; a file of another name stays.
+    // contact. Files beside it that only look like a save's leftovers stay.
     void grabar()
     {
         const QString f = ruta(u"nuevo.DAT"_qs);
@@ -156,7 +165,8 @@ private Q_SLOTS:
         }
         SelloFichero s;
         QCOMPARE(GrabarFicheroContactos(f, g, s), ResultadoGrabacion::Grabado);
-        QCOMPARE(QDir(m_dir->path()).entryList({u"nuevo.*"_qs}), L({"nuevo.DAT", "nuevo.DAT.copia"}));
+        // Names a user may give a copy stay, whatever their age.
+        QCOMPARE(QDir(m_dir->path()).entryList({u"nuevo.*"_qs}), L({"nuevo.DAT", "nuevo.DAT.Ab12cD", "nuevo.DAT.copia"}));
         QCOMPARE(leer(f), ejecutar(u"iconv"_qs, {u"-f"_qs, u"UTF-8"_qs, u"-t"_qs, u"CP850"_qs},
                                    "\tNombre\tTeléfono\tFax\teMail\r\tÁLVARO\t4\t\t\r\tana\t3\t\t\r\tbea\tun tab\t\t\r"
                                    "\tÍñigo Núñez\t2\t\tíñigo@x.es\r\tzoe\t1\t\t\r\n"));
@@ -267,6 +277,33 @@ private Q_SLOTS:
             << L({"abrir", "cmdNuevo", "teclear Nuevo", "disco lleno", "caja Aceptar", "cmdAceptar",
                   "?caja No se pudo grabar el fichero de contactos TLF/TELEFONO.DAT: no cupo entero en el disco.*",
                   "?disco Agenda"});
+        // What is not a regular file in the contacts file's place is refused at once, with no
+        // window; a file the grid cannot hold whole is opened for consulting only.
+        QTest::newRow("una carpeta en su lugar")
+            << L({"carpeta", "caja Aceptar", "abrir", "?caja Error 75: No se pudo leer el fichero de contactos "
+                  "TLF/TELEFONO.DAT: es una carpeta, no un fichero", "?abierta no"});
+        QTest::newRow("una FIFO en su lugar")
+            << L({"fifo", "caja Aceptar", "abrir", "?caja Error 75: No se pudo leer el fichero de contactos "
+                  "TLF/TELEFONO.DAT: es una tubería (FIFO), no un fichero", "?abierta no"});
+        QTest::newRow("sin cabecera: solo consulta")
+            << L({"sin cabecera", "caja Aceptar", "abrir", "?caja El fichero de contactos TLF/TELEFONO.DAT se abre "
+                  "solo para consulta: su primera línea no es la cabecera de la agenda.\n\nAl grabarlo se perdería "
+                  "lo que la agenda no puede mostrar.", "?título Teléfonos (solo consulta)", "clic 1 1",
+                  "?estado Marco(1) cmdFax", "?vistos Bodega,Carlos Peña,Diego,Eva,Francisco"});
+        // A new contact goes into row 1 when the last row has no name; a row 1 with data is
+        // overwritten only when the user says so.
+        QTest::newRow("fila 1 con datos, no se pisa")
+            << L({"sin nombres", "abrir", "caja No", "cmdNuevo", "?caja La primera fila de la lista tiene datos, "
+                  "aunque no tiene nombre.\n\n¿ Desea escribir el contacto nuevo sobre ella ?\n\n(No: se añade "
+                  "como contacto nuevo.)", "?Indice 3", "teclear Nuevo", "cmdAceptar", "?disco ,,Nuevo"});
+        QTest::newRow("fila 1 con datos, se pisa")
+            << L({"sin nombres", "abrir", "caja Si", "cmdNuevo", "?Indice 1", "teclear Nuevo", "cmdAceptar",
+                  "?disco ,Nuevo"});
+        // A contact that could not be saved is not left behind without a question.
+        QTest::newRow("cerrojo y salir")
+            << L({"abrir", "cmdNuevo", "teclear Nuevo", "cerrojo", "caja Aceptar", "cmdAceptar", "caja No",
+                  "cmdSalir", "?caja Datos han sido modificados.\n\n¿ Desea salir sin grabar ?", "?abierta sí",
+                  "caja Si", "cmdSalir", "?abierta no", "?disco Agenda"});
         // While active, a wheel turned anywhere over the window scrolls the grid a line a notch.
         QTest::newRow("rueda") << L({"abrir", "rueda", "rueda", "?barra 2"});
     }
@@ -310,6 +347,15 @@ private Q_SLOTS:
                 // The lock of a phone book of this computer that was killed while it held it.
                 QCOMPARE(agenda({u"bloquear"_qs, RutaContactos() + u".lock"_qs}, true), u"LISTO"_qs);
                 QVERIFY(QFile::exists(RutaContactos() + u".lock"_qs));
+            } else if (paso == u"carpeta" || paso == u"fifo") {
+                QVERIFY(QFile::remove(RutaContactos()));
+                QVERIFY(paso == u"carpeta" ? QDir().mkdir(RutaContactos())
+                                          : ::mkfifo(QFile::encodeName(RutaContactos()).constData(), 0644) == 0);
+            } else if (paso == u"sin cabecera") {
+                const QByteArray todo = ficheroDe(Agenda);
+                escribir(RutaContactos(), todo.mid(todo.indexOf('\r') + 1));
+            } else if (paso == u"sin nombres") {
+                escribir(RutaContactos(), ficheroDe(L({"|111", "|222"})));
             } else if (paso == u"sin carpeta") {
                 QVERIFY(QDir(m_dir->path()).removeRecursively());
             } else if (paso == u"disco lleno") {
@@ -373,6 +419,10 @@ private Q_SLOTS:
             } else if (orden == u"?elegido") {
                 QTRY_VERIFY(!t);
                 visto = ContactoElegido;
+            } else if (orden == u"?abierta") {
+                visto = t && t->isVisible() ? u"sí"_qs : u"no"_qs;
+            } else if (orden == u"?título") {
+                visto = t->windowTitle();
             } else if (orden == u"?barra") {
                 visto = QString::number(v->verticalScrollBar()->value());
             } else if (orden.startsWith(u'?')) {

@@ -170,7 +170,7 @@ private Q_SLOTS:
         QVERIFY2(visto.startsWith(QString::number(numero) + u' ') && visto.contains(fichero), qPrintable(visto));
         QCOMPARE(leer(ruta(u"corta/tabla.txt"_qs)), QByteArray("ANTES\r\n"));
         // No temporary file beside it, the folder still a folder, no missing folder made.
-        QCOMPARE(QDir(ruta(u"corta"_qs)).entryList(QDir::Files)
+        QCOMPARE(QDir(ruta(u"corta"_qs)).entryList(QDir::Files | QDir::Hidden)
                      + QDir(m_dir.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot),
                  L({"tabla.txt", "corta"}));
     }
