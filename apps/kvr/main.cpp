@@ -10,10 +10,12 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <map>
 #include <optional>
+#include <dlfcn.h>
 #include <unistd.h>
 
 namespace {
@@ -209,36 +211,44 @@ int progreso(Argumentos &a)
     bool acabada = false;
     QByteArray pendiente;
     QSocketNotifier lector(STDIN_FILENO, QSocketNotifier::Read);
-    auto linea = [&](const QString &texto) {
-        const QString t = texto.trimmed();
-        if (t.startsWith(u'#')) {
-            if (QLabel *titulo = ventana ? ventana->findChild<QLabel *>(QStringLiteral("BarraTitulo")) : nullptr)
-                titulo->setText(t.mid(1).trimmed());
-            return;
-        }
-        bool ok = false;
-        const double v = t.toDouble(&ok);
-        if (ok)
-            kvr::BarraProgreso(kvr::ProgresoAvanzar, float(v), true);
-    };
-    QObject::connect(&lector, &QSocketNotifier::activated, [&] {
-        char bufer[4096];
+    // What one read brought is taken as one step: the title of its last "# text" line and the
+    // value of its last number. The bar then advances once, and the event loop it runs cannot
+    // call this again before it returns (the notifier is off meanwhile), so a fast writer neither
+    // nests calls nor repaints once per line.
+    const auto leerLo = [&] {
+        lector.setEnabled(false);
+        char bufer[65536];
         const ssize_t n = ::read(STDIN_FILENO, bufer, sizeof bufer);
+        if (n > 0)
+            pendiente.append(bufer, n);
+        else
+            pendiente.append('\n'); // the end: a last line without its end counts too
+        std::optional<QString> titulo;
+        std::optional<double> valor;
+        qsizetype inicio = 0, fin;
+        while ((fin = pendiente.indexOf('\n', inicio)) >= 0) {
+            const QString t = QString::fromUtf8(pendiente.constData() + inicio, fin - inicio).trimmed();
+            inicio = fin + 1;
+            if (t.startsWith(u'#')) {
+                titulo = t.mid(1).trimmed();
+            } else if (bool ok = false; (void)t.toDouble(&ok), ok) {
+                valor = t.toDouble();
+            }
+        }
+        pendiente.remove(0, inicio);
+        if (titulo && ventana)
+            if (QLabel *etiqueta = ventana->findChild<QLabel *>(QStringLiteral("BarraTitulo")))
+                etiqueta->setText(*titulo);
+        if (valor)
+            kvr::BarraProgreso(kvr::ProgresoAvanzar, float(*valor), true);
         if (n <= 0) {
-            if (!pendiente.isEmpty())
-                linea(QString::fromUtf8(pendiente));
-            lector.setEnabled(false);
             acabada = true;
             QCoreApplication::quit();
             return;
         }
-        pendiente.append(bufer, n);
-        qsizetype fin;
-        while ((fin = pendiente.indexOf('\n')) >= 0) {
-            linea(QString::fromUtf8(pendiente.left(fin)));
-            pendiente.remove(0, fin + 1);
-        }
-    });
+        lector.setEnabled(true);
+    };
+    QObject::connect(&lector, &QSocketNotifier::activated, leerLo);
     // The user closing the window stops the task, as a cancel.
     if (ventana) {
         ventana->setAttribute(Qt::WA_DeleteOnClose, false);
@@ -325,15 +335,67 @@ int tabla(Argumentos &a)
     return QCoreApplication::exec() == 0 ? Aceptado : Cancelado;
 }
 
+// An amount as people write it: "1234,56", "1234.56", "1.234,56", "1,234.56", "1.234.567". When
+// both marks appear the last one is the decimal one and the other groups thousands; a mark that
+// appears more than once groups thousands. One mark alone followed by exactly three digits
+// ("1.234", "1,234") could be either, and is refused rather than guessed.
+std::optional<double> leerCantidad(const QString &texto, QString &problema)
+{
+    QString t = texto.trimmed();
+    const bool negativo = t.startsWith(u'-');
+    if (negativo || t.startsWith(u'+'))
+        t.remove(0, 1);
+    const qsizetype puntos = t.count(u'.'), comas = t.count(u',');
+    QChar decimal, miles;
+    if (puntos && comas) {
+        decimal = t.lastIndexOf(u'.') > t.lastIndexOf(u',') ? u'.' : u',';
+        miles = decimal == u'.' ? u',' : u'.';
+        if (t.count(decimal) > 1)
+            return std::nullopt;
+    } else if (puntos + comas > 1) {
+        miles = puntos ? u'.' : u',';
+    } else if (puntos + comas == 1) {
+        const QChar marca = puntos ? u'.' : u',';
+        if (t.size() - t.indexOf(marca) - 1 == 3 && t.indexOf(marca) > 0) {
+            const qsizetype m = t.indexOf(marca);
+            problema = QStringLiteral("«%1» es ambigua: «%2» puede separar miles o decimales. Escriba %3 si son miles, "
+                                      "o %4 si son decimales")
+                           .arg(texto, QString(marca), t.left(m) + t.mid(m + 1), t.left(m) + u',' + t.mid(m + 1) + u'0');
+            return std::nullopt;
+        }
+        decimal = marca;
+    }
+    QString entero = decimal.isNull() ? t : t.left(t.indexOf(decimal));
+    const QString fraccion = decimal.isNull() ? QString() : t.mid(t.indexOf(decimal) + 1);
+    if (!miles.isNull()) {
+        // Groups of three after the first group of one to three digits.
+        const QStringList grupos = entero.split(miles);
+        for (qsizetype i = 0; i < grupos.size(); ++i)
+            if (grupos[i].isEmpty() || grupos[i].size() > 3 || (i > 0 && grupos[i].size() != 3))
+                return std::nullopt;
+        entero = grupos.join(QString());
+    }
+    const auto soloCifras = [](const QString &s) {
+        return std::all_of(s.begin(), s.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
+    };
+    if ((entero.isEmpty() && fraccion.isEmpty()) || !soloCifras(entero) || !soloCifras(fraccion))
+        return std::nullopt;
+    bool ok = false;
+    const double v = QLocale::c().toDouble(
+        (entero.isEmpty() ? QStringLiteral("0") : entero) + (fraccion.isEmpty() ? QString() : u'.' + fraccion), &ok);
+    if (!ok)
+        return std::nullopt;
+    return negativo ? -v : v;
+}
+
 int letras(Argumentos &a)
 {
-    QString texto = a.posicionales.value(0).trimmed();
-    if (!texto.contains(u'.'))
-        texto.replace(u',', u'.');
-    bool ok = false;
-    const double importe = QLocale::c().toDouble(texto, &ok);
-    if (!ok)
-        return errorUso(a.orden, QStringLiteral("«%1» no es una cantidad").arg(a.posicionales.value(0)));
+    QString problema;
+    const std::optional<double> leido = leerCantidad(a.posicionales.value(0), problema);
+    if (!leido)
+        return errorUso(a.orden, problema.isEmpty() ? QStringLiteral("«%1» no es una cantidad").arg(a.posicionales.value(0))
+                                                    : problema);
+    const double importe = *leido;
     try {
         if (a.tiene("numero")) {
             if (importe != double(qint64(importe)))
@@ -387,7 +449,7 @@ const char *const AyudaGeneral =
     "  2  línea de órdenes errónea o no hay pantalla\n"
     "\n"
     "Ejemplo:\n"
-    "  kvr mensaje '¿Borrar el fichero?;Se perderán los datos' --botones 3 --icono 7 && rm f\n";
+    "  kvr mensaje '¿Borrar los listados?;Se perderán' --botones 3 --icono 7 && rm -f listados/*\n";
 
 std::vector<Orden> ordenes()
 {
@@ -484,23 +546,43 @@ std::vector<Orden> ordenes()
     };
 }
 
-// Whether a window can be opened, told before Qt is started (Qt aborts without a display). A
-// local X display (":N") must also have its server's socket.
+// Whether the X server named by DISPLAY accepts a connection, asked through the same library Qt
+// uses (loaded here only for the question). True when the library is not there: Qt decides then.
+bool servidorXResponde(const QByteArray &pantalla)
+{
+    void *xcb = ::dlopen("libxcb.so.1", RTLD_LAZY | RTLD_LOCAL);
+    if (!xcb)
+        return true;
+    using Conectar = void *(*)(const char *, int *);
+    using TieneError = int (*)(void *);
+    using Desconectar = void (*)(void *);
+    const auto conectar = reinterpret_cast<Conectar>(::dlsym(xcb, "xcb_connect"));
+    const auto tieneError = reinterpret_cast<TieneError>(::dlsym(xcb, "xcb_connection_has_error"));
+    const auto desconectar = reinterpret_cast<Desconectar>(::dlsym(xcb, "xcb_disconnect"));
+    bool responde = true;
+    if (conectar && tieneError && desconectar) {
+        void *c = conectar(pantalla.constData(), nullptr);
+        responde = c && tieneError(c) == 0;
+        if (c)
+            desconectar(c); // a failed connection is an object too, and is freed the same way
+    }
+    ::dlclose(xcb);
+    return responde;
+}
+
+// Whether a window can be opened, told before Qt is started (Qt aborts without a display).
 bool hayPantalla(QString &motivo)
 {
     if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         return true;
-    const QString x = qEnvironmentVariable("DISPLAY");
+    const QByteArray x = qgetenv("DISPLAY");
     if (x.isEmpty()) {
         motivo = QStringLiteral("DISPLAY y WAYLAND_DISPLAY están vacías");
         return false;
     }
-    if (x.startsWith(u':')) {
-        const QString numero = x.mid(1).section(u'.', 0, 0);
-        if (!QFile::exists(QStringLiteral("/tmp/.X11-unix/X") + numero)) {
-            motivo = QStringLiteral("no responde el servidor X de DISPLAY=%1").arg(x);
-            return false;
-        }
+    if (!servidorXResponde(x)) {
+        motivo = QStringLiteral("no responde el servidor X de DISPLAY=%1").arg(QString::fromLocal8Bit(x));
+        return false;
     }
     return true;
 }
@@ -572,6 +654,13 @@ int main(int argc, char *argv[])
         return errorUso(a.orden, QStringLiteral("sobra el argumento «%1»").arg(a.posicionales.value(orden->maximo)));
     if (a.orden == u"visor" && !a.tiene("titulos"))
         return errorUso(a.orden, QStringLiteral("falta --titulos"));
+    // A list from a file must be a regular file that can be read (a FIFO would block the box, a
+    // folder or a missing file would give an empty list without a word): told before any window.
+    if (const QString lista = a.valor("lista"); a.orden == u"entrada" && lista.startsWith(u'@')) {
+        QByteArray datos;
+        if (const auto fallo = kvr::LeerFicheroRegular(lista.mid(1), datos))
+            return errorUso(a.orden, QStringLiteral("no se puede leer la lista «%1»: %2").arg(lista.mid(1), fallo->causa));
+    }
 
     // The application sees the program's name and, for the calculator, its size ("+2").
     static QByteArray nombrePrograma = QByteArray(argv[0]);
@@ -594,6 +683,12 @@ int main(int argc, char *argv[])
         escribir(stderr, QStringLiteral("kvr %1: no hay pantalla donde abrir la ventana (%2)\n").arg(a.orden, motivo));
         return ErrorUso;
     }
+    // The web engine's own progress notes stay quiet unless the user's rules (which come after
+    // ours, and so win) ask for them.
+    QByteArray reglas = "qt.webenginecontext.debug=false;qt.webenginecontext.info=false";
+    if (const QByteArray suyas = qgetenv("QT_LOGGING_RULES"); !suyas.isEmpty())
+        reglas += ';' + suyas;
+    qputenv("QT_LOGGING_RULES", reglas);
     QApplication app(argcQt, argvQt.data());
     QApplication::setApplicationName(QStringLiteral("kvr"));
     QApplication::setApplicationVersion(QStringLiteral(KVR_VERSION));

@@ -27,6 +27,7 @@
 #include <kvr/progreso.h>
 #include <kvr/impresora.h>
 #include <kvr/contactos.h>
+#include <kvr/ficheros.h>
 #include <kvr/buscador.h>
 #include <kvr/telefonos.h>
 #include <kvr/letras.h>

@@ -156,6 +156,7 @@ public:
     void AddItem(const QString &texto, int posicion = -1);
     // Adds a row at the end from cells already in UTF-8 (`celdas[i]` fills column i; missing
     // cells stay empty, extra ones are dropped). The fast path of bulk loads: no UTF-16 on the way.
+    // A cell whose bytes are not well-formed UTF-8 is stored with U+FFFD for each bad sequence.
     void AgregarFilaUtf8(const std::string_view *celdas, int numero);
     // Makes room for `filas` more rows and `bytes` more bytes of text in each listed column
     // (`bytes[c]` for column c), so that a bulk load grows each buffer once.

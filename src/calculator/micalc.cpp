@@ -12,6 +12,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QFileInfo>
+#include <QScreen>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
@@ -117,6 +118,14 @@ void MiCalc::Form_Load()
     const QString linea = QCoreApplication::arguments().mid(1).join(u' ');
     double factor = 1.0;
     if (FactorDeLineaComandos(linea, factor)) {
+        // Bounded by the screen: a thousand times the design size would take gigabytes for its
+        // pixels and could never be seen. Up to twice the screen's size is allowed, so that "+2"
+        // gives twice the design size on any screen of at least the design size.
+        if (const QScreen *pantalla = screen(); pantalla && width() > 0 && height() > 0) {
+            const QRect libre = pantalla->availableGeometry();
+            factor = std::min(factor, std::max(1.0, std::min(2.0 * libre.width() / width(),
+                                                             2.0 * libre.height() / height())));
+        }
         // The design size (in pixels) times the factor becomes the wanted size.
         float ancho = float(width() * factor);
         float alto = float(height() * factor);

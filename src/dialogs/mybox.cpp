@@ -15,12 +15,16 @@
 #include "kvr/visorrejilla.h"
 
 #include <QApplication>
+
 #include <QColorDialog>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPointer>
+#include <QScrollArea>
 #include <QScreen>
+
+#include <limits>
 #include <QWindow>
 
 namespace kvr {
@@ -155,7 +159,42 @@ void MyBox::Form_Load()
 
 void MyBox::PonerMensaje(const QString &ElMensaje)
 {
-    ui->Mensaje->setText(TextoMensaje(ElMensaje));
+    QLabel *mensaje = ui->Mensaje;
+    mensaje->setText(TextoMensaje(ElMensaje));
+    // The design holds three lines. A longer text grows the box downwards (what lies below the
+    // text moves with it) as far as the screen allows; past that the text scrolls.
+    const int necesario = mensaje->heightForWidth(mensaje->width());
+    if (necesario <= mensaje->height())
+        return;
+    const QScreen *pantalla = screen() ? screen() : QGuiApplication::primaryScreen();
+    const int libre = pantalla ? pantalla->availableGeometry().height() : 768;
+    const int marco = std::max(0, frameGeometry().height() - height());
+    const int tope = std::max(mensaje->height(), libre - marco - (height() - mensaje->height()));
+    const int alto = std::min(necesario, tope);
+    const int crece = alto - mensaje->height();
+    const int fondo = mensaje->y() + mensaje->height();
+    QWidget *marcoTexto = mensaje->parentWidget();
+    for (QWidget *w : marcoTexto->findChildren<QWidget *>(Qt::FindDirectChildrenOnly))
+        if (w != mensaje && w->y() >= fondo)
+            w->move(w->x(), w->y() + crece);
+    // The frames that hold the text grow with it, up to the box itself.
+    for (QWidget *w = marcoTexto; w && w != this; w = w->parentWidget())
+        w->resize(w->width(), w->height() + crece);
+    const QRect donde(mensaje->x(), mensaje->y(), mensaje->width(), alto);
+    if (alto < necesario) {
+        auto *desplazable = new QScrollArea(marcoTexto);
+        desplazable->setObjectName(QStringLiteral("MensajeDesplazable"));
+        desplazable->setFrameShape(QFrame::NoFrame);
+        desplazable->setWidgetResizable(true);
+        desplazable->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        desplazable->setGeometry(donde);
+        desplazable->setWidget(mensaje); // the label, its name and its text stay as they are
+        desplazable->setFocusPolicy(Qt::NoFocus);
+        desplazable->show();
+    } else {
+        mensaje->setGeometry(donde);
+    }
+    setFixedHeight(height() + crece);
 }
 
 void MyBox::PonerTitulo(const QString &ElTitulo)
@@ -260,21 +299,19 @@ void MyBox::PrepararVisor(const QString &Titulos, const QVector<QStringList> &Ma
     const bool redraw = rejilla.Redraw();
     rejilla.PonerRedraw(false);
     const int columnas = rejilla.Cols();
-    try {
-        for (int i = 1; i < Matriz.size(); ++i) {
-            const QStringList &fila = Matriz.at(i);
-            if (fila.size() <= columnas)
-                throw ErrorEjecucion(
-                    ErrorEjecucion::SubindiceFueraDeIntervalo,
-                    QStringLiteral("Subíndice fuera del intervalo (Matriz(%1, %2))")
-                        .arg(i)
-                        .arg(fila.size()));
-            for (int j = 1; j <= columnas; ++j)
-                PonerCelda(rejilla, i, j - 1, fila.at(j));
+    // Every row is checked before any is placed, so that room is made once for all of them.
+    for (int i = 1; i < Matriz.size(); ++i)
+        if (Matriz.at(i).size() <= columnas) {
+            rejilla.PonerRedraw(redraw);
+            throw ErrorEjecucion(ErrorEjecucion::SubindiceFueraDeIntervalo,
+                                 QStringLiteral("Subíndice fuera del intervalo (Matriz(%1, %2))").arg(i).arg(Matriz.at(i).size()));
         }
-    } catch (...) {
-        rejilla.PonerRedraw(redraw);
-        throw;
+    if (Matriz.size() > rejilla.Rows())
+        rejilla.PonerRows(int(std::min<qsizetype>(Matriz.size(), std::numeric_limits<int>::max())));
+    for (int i = 1; i < Matriz.size(); ++i) {
+        const QStringList &fila = Matriz.at(i);
+        for (int j = 1; j <= columnas; ++j)
+            PonerCelda(rejilla, i, j - 1, fila.at(j));
     }
     rejilla.PonerRedraw(redraw);
     // No row shows as chosen until the user chooses one.

@@ -12,6 +12,55 @@ namespace kvr {
 
 namespace {
 
+// Whether the bytes are well-formed UTF-8 (no cut or overlong sequence, no surrogate, nothing past
+// U+10FFFF). ASCII runs are passed eight bytes at a time.
+bool Utf8Valido(std::string_view t)
+{
+    const auto *p = reinterpret_cast<const unsigned char *>(t.data());
+    const auto *const fin = p + t.size();
+    while (p < fin) {
+        if (fin - p >= 8) {
+            uint64_t ocho;
+            std::memcpy(&ocho, p, 8);
+            if (!(ocho & 0x8080808080808080ULL)) {
+                p += 8;
+                continue;
+            }
+        }
+        const unsigned char b = *p;
+        if (b < 0x80) {
+            ++p;
+            continue;
+        }
+        int largo;
+        unsigned char min2 = 0x80, max2 = 0xBF;
+        if (b >= 0xC2 && b <= 0xDF) {
+            largo = 2;
+        } else if (b >= 0xE0 && b <= 0xEF) {
+            largo = 3;
+            if (b == 0xE0)
+                min2 = 0xA0;
+            else if (b == 0xED)
+                max2 = 0x9F;
+        } else if (b >= 0xF0 && b <= 0xF4) {
+            largo = 4;
+            if (b == 0xF0)
+                min2 = 0x90;
+            else if (b == 0xF4)
+                max2 = 0x8F;
+        } else {
+            return false;
+        }
+        if (fin - p < largo || p[1] < min2 || p[1] > max2)
+            return false;
+        for (int i = 2; i < largo; ++i)
+            if ((p[i] & 0xC0) != 0x80)
+                return false;
+        p += largo;
+    }
+    return true;
+}
+
 constexpr uint64_t MaxLargo = (uint64_t(1) << 24) - 1;
 
 inline uint64_t largoDe(uint64_t ref) { return ref & MaxLargo; }
@@ -515,9 +564,18 @@ void Rejilla::AgregarFilaUtf8(const std::string_view *celdas, int numero)
 {
     const uint32_t r = nuevaRanura();
     const int n = std::min(numero, Cols());
-    for (int c = 0; c < n; ++c)
-        if (!celdas[c].empty())
+    for (int c = 0; c < n; ++c) {
+        if (celdas[c].empty())
+            continue;
+        // Everything that reads the grid's bytes trusts them to be UTF-8: a cell that is not
+        // (a sequence cut short, a stray continuation byte) is stored with U+FFFD in its place.
+        if (Utf8Valido(celdas[c])) {
             escribir(m_columnas[std::size_t(c)], r, celdas[c].data(), celdas[c].size());
+        } else {
+            const QByteArray limpio = QString::fromUtf8(celdas[c].data(), qsizetype(celdas[c].size())).toUtf8();
+            escribir(m_columnas[std::size_t(c)], r, limpio.constData(), std::size_t(limpio.size()));
+        }
+    }
     const int posicion = Rows();
     const bool a = avisar();
     if (a)

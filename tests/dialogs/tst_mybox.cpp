@@ -12,6 +12,7 @@
 #include <QColorDialog>
 #include <QHeaderView>
 #include <QLineEdit>
+#include <QScrollArea>
 
 using namespace kvr;
 using namespace prueba;
@@ -70,6 +71,42 @@ QVector<QStringList> contactos()
 class TstMyBox : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    // A message of any length is read whole: the box grows with it while the screen has room,
+    // then scrolls; either way the buttons stay below the text and the box on the screen.
+    void mensajeLargo_data()
+    {
+        QTest::addColumn<int>("lineas");
+        QTest::addColumn<QString>("visto");
+        QTest::newRow("tres líneas") << 3 << u"entero, en pantalla, botones debajo"_qs;
+        QTest::newRow("doce líneas") << 12 << u"entero, en pantalla, botones debajo"_qs;
+        QTest::newRow("quinientas líneas") << 500 << u"desplazable, en pantalla, botones debajo"_qs;
+    }
+    void mensajeLargo()
+    {
+        QFETCH(int, lineas);
+        QStringList texto;
+        for (int i = 1; i <= lineas; ++i)
+            texto << u"Línea %1 del mensaje"_qs.arg(i);
+        QString visto;
+        alAbrirse([&visto](QWidget *caja) {
+            auto *m = caja->findChild<QLabel *>(u"Mensaje"_qs);
+            auto *area = caja->findChild<QScrollArea *>(u"MensajeDesplazable"_qs);
+            const QRect texto(m->mapTo(caja, QPoint(0, 0)), area ? area->size() : m->size());
+            bool debajo = true;
+            for (QPushButton *b : caja->findChildren<QPushButton *>())
+                if (b->isVisible())
+                    debajo = debajo && b->y() >= texto.bottom() && b->geometry().bottom() < caja->height();
+            QStringList v;
+            v << (area ? u"desplazable"_qs : m->height() >= m->heightForWidth(m->width()) ? u"entero"_qs : u"cortado"_qs);
+            v << (caja->screen()->availableGeometry().contains(caja->frameGeometry()) ? u"en pantalla"_qs : u"fuera"_qs);
+            v << (debajo ? u"botones debajo"_qs : u"botones tapados"_qs);
+            visto = v.join(u", "_qs);
+            QTest::keyClick(caja, Qt::Key_Escape);
+        });
+        MyMsgBox(texto.join(u';'), u"Largo"_qs, IconoInformacion, 1, 1);
+        QTEST(visto, "visto");
+    }
+
     void init() { QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain)); }
 
     void rangoEnOrden_data()

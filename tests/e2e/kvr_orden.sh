@@ -84,6 +84,11 @@ printf '10\n# Copiando\n50\n100\n' > "$tmp/avance.txt"
 ENTRADA="$tmp/avance.txt" lanzar progreso --total 100 --titulo "Copia"; terminar
 comprobar "progreso" 0 ""
 
+# A million lines as fast as a program can write them: read in chunks, one step of the bar each.
+seq 1 1000000 > "$tmp/millon.txt"
+ENTRADA="$tmp/millon.txt" lanzar progreso --total 1000000; terminar
+comprobar "progreso de un millón de líneas" 0 ""
+
 # Printer chooser: Escape cancels.
 lanzar impresora
 teclas "Impresora" Escape; terminar; comprobar "impresora cancelada" 1 ""
@@ -110,6 +115,16 @@ comprobar "telefonos elige un correo" 0 "info@almacenesgonzale.es"
 lanzar calculadora
 teclas "Calculadora" 2 plus 3 equal Escape; terminar; comprobar "calculadora" 0 ""
 
+# A size factor far past any screen: the window is bounded by the screen (twice its size at most),
+# not gigabytes of pixels.
+lanzar calculadora +1000
+teclas "Calculadora"
+ancho=$(xdotool getwindowgeometry "$id" 2>/dev/null | sed -n 's/.*Geometry: \([0-9]*\)x.*/\1/p')
+pantalla=$(xdotool getdisplaygeometry 2>/dev/null | cut -d' ' -f1)
+xdotool key --window "$id" Escape 2>/dev/null; terminar
+[ -n "$ancho" ] && [ "$ancho" -le $((2 * pantalla)) ] && salida=acotada || salida="ancho $ancho, pantalla $pantalla"
+comprobar "calculadora +1000" 0 acotada
+
 # Help window from an RTF file, closed with Escape; a missing file is an error of the caller.
 lanzar ayuda "$DATOS/ayuda_demo.rtf"
 teclas "Ayuda" Escape; terminar; comprobar "ayuda" 0 ""
@@ -129,6 +144,21 @@ comprobar "letras" 0 "mil doscientos treinta y cuatro euros con cincuenta y seis
 lanzar nif "12.345.678-z"; terminar; comprobar "nif válido" 0 "$(printf 'DNI\n12345678Z\nZ')"
 lanzar nif "X1234567A"; terminar; comprobar "nie no válido" 1 "$(printf 'NIE\nX1234567A\nL')"
 
+# Amounts whose marks could be thousands or decimals are refused, not guessed.
+lanzar letras 1.234; terminar; comprobar "letras ambigua" 2 ""
+grep -q "«1.234» es ambigua" "$tmp/error" || { echo "FALLO  mensaje de cantidad ambigua"; fallos=$((fallos + 1)); }
+lanzar letras 1.234,5; terminar; comprobar "letras con miles" 0 "mil doscientos treinta y cuatro euros con cincuenta céntimos"
+
+# A list file that is missing, a folder or a FIFO: refused at once, with its cause.
+mkfifo "$tmp/tuberia"
+for caso in "no_existe.txt:no existe" "tuberia:es una tubería (FIFO), no un fichero" ".:es una carpeta, no un fichero"; do
+    lanzar entrada "Provincia" --lista "@$tmp/${caso%%:*}"; terminar; comprobar "lista @${caso%%:*}" 2 ""
+    grep -q "no se puede leer la lista .*: ${caso#*:}" "$tmp/error" || { echo "FALLO  lista @${caso%%:*}: $(cat "$tmp/error")"; fallos=$((fallos + 1)); }
+done
+# The help's example is whole.
+salida=$("$K" --help | tail -n 1); estado=0
+comprobar "ejemplo de la ayuda" 0 "  kvr mensaje '¿Borrar los listados?;Se perderán' --botones 3 --icono 7 && rm -f listados/*"
+
 # Wrong command lines: status 2 and a Spanish line on standard error.
 lanzar mensaje "Hola" --botones 9; terminar; comprobar "botones fuera de rango" 2 ""
 grep -q "debe ser un número de 1 a 6" "$tmp/error" || { echo "FALLO  mensaje de rango"; fallos=$((fallos + 1)); }
@@ -142,6 +172,10 @@ estado=$?; salida=$(cat "$tmp/error"); comprobar "sin pantalla" 2 \
 DISPLAY=:987 "$K" mensaje "Hola" > "$tmp/salida" 2> "$tmp/error"
 estado=$?; salida=$(cat "$tmp/error"); comprobar "pantalla que no responde" 2 \
   "kvr mensaje: no hay pantalla donde abrir la ventana (no responde el servidor X de DISPLAY=:987)"
+# A display with no X server behind its port: the same line, not Qt's abort.
+DISPLAY=127.0.0.1:97 "$K" mensaje "Hola" > "$tmp/salida" 2> "$tmp/error"
+estado=$?; salida=$(cat "$tmp/error"); comprobar "pantalla remota que no responde" 2 \
+  "kvr mensaje: no hay pantalla donde abrir la ventana (no responde el servidor X de DISPLAY=127.0.0.1:97)"
 
 echo "$fallos fallos"
 [ "$fallos" = 0 ]
