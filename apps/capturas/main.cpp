@@ -45,7 +45,7 @@ void capturar(const QString &nombre, QWidget *ventana, const std::function<void(
     QImage imagen = ventana->grab().toImage().convertToFormat(QImage::Format_RGB32);
     imagen = imagen.convertToFormat(QImage::Format_Indexed8, Qt::ThresholdDither | Qt::AvoidDither);
     if (!imagen.save(fichero, "PNG", 0)) {
-        std::fprintf(stderr, "no se pudo grabar %s\n", qPrintable(fichero));
+        (void)std::fprintf(stderr, "no se pudo grabar %s\n", qPrintable(fichero));
         ++g_errores;
     } else {
         std::printf("%s\n", qPrintable(fichero));
@@ -74,7 +74,7 @@ int main(int argc, char *argv[])
     QApplication::setApplicationVersion(QStringLiteral("2.1.0"));
     QLocale::setDefault(QLocale(QLocale::Spanish, QLocale::Spain));
     if (argc < 2) {
-        std::fprintf(stderr, "uso: kvr-capturas CARPETA [SUFIJO]\n");
+        (void)std::fprintf(stderr, "uso: kvr-capturas CARPETA [SUFIJO]\n");
         return 2;
     }
     g_carpeta = QString::fromLocal8Bit(argv[1]);

@@ -48,7 +48,7 @@ const Ejemplo kCampos[] = {
 QString Demo::datos(const QString &nombre)
 {
     // The demo's sample files: beside the program once installed, else in the source tree.
-    const QString instalado = QCoreApplication::applicationDirPath() + QStringLiteral("/../share/kvr/demo/") + nombre;
+    QString instalado = QCoreApplication::applicationDirPath() + QStringLiteral("/../share/kvr/demo/") + nombre;
     if (QFileInfo::exists(instalado))
         return instalado;
     return QStringLiteral(KVR_DEMO_DATOS "/") + nombre;

@@ -15,7 +15,7 @@ _kvr()
         --icono) COMPREPLY=($(compgen -W "1 2 3 4 5 6 7 8 9 10" -- "$cur")); return ;;
         --botones) COMPREPLY=($(compgen -W "1 2 3 4 5 6" -- "$cur")); return ;;
         --omision) COMPREPLY=($(compgen -W "1 2 3" -- "$cur")); return ;;
-        --titulo|--tag|--inicial|--lista|--separador|--titulos|--columna|--total) return ;;
+        --titulo|--tag|--inicial|--lista|--separador|--titulos|--columna|--total|--timeout) return ;;
     esac
     case "${COMP_WORDS[1]}" in
         mensaje) opciones="--titulo --icono --botones --omision" ;;
@@ -26,6 +26,10 @@ _kvr()
         tabla) opciones="--titulos --tag" ;;
         letras) opciones="--moneda --numero" ;;
         ayuda|tabla) ;;
+    esac
+    case "${COMP_WORDS[1]}" in
+        letras|nif) ;;
+        *) opciones="$opciones --timeout" ;;
     esac
     if [[ "$cur" == -* ]]; then
         COMPREPLY=($(compgen -W "$opciones --help" -- "$cur"))

@@ -1,7 +1,8 @@
 // kvr: the runtime's boxes and windows for shell scripts, cron jobs and programs in any language.
 // One subcommand per box or window; answers go to standard output, one per line. Exit status 0
 // when the user accepts, 1 when the user cancels, says "No" or closes the window, 2 when the
-// command line is wrong or the window cannot be opened (a Spanish line on standard error).
+// command line is wrong or the window cannot be opened (a Spanish line on standard error), 5 when
+// nobody answered within --timeout.
 #include <kvr/kvr.h>
 
 #include <QApplication>
@@ -23,6 +24,7 @@ namespace {
 constexpr int Aceptado = 0;
 constexpr int Cancelado = 1;
 constexpr int ErrorUso = 2;
+constexpr int TiempoAgotado = 5;
 
 struct Argumentos {
     QString orden;
@@ -48,13 +50,13 @@ struct Orden {
 
 void escribir(FILE *f, const QString &texto)
 {
-    std::fputs(texto.toUtf8().constData(), f);
+    (void)std::fputs(texto.toUtf8().constData(), f); // nothing to tell if the output is gone
 }
 
 void salida(const QString &linea)
 {
     escribir(stdout, linea + u'\n');
-    std::fflush(stdout);
+    (void)std::fflush(stdout);
 }
 
 int errorUso(const QString &orden, const QString &mensaje)
@@ -223,19 +225,23 @@ int progreso(Argumentos &a)
             pendiente.append(bufer, n);
         else
             pendiente.append('\n'); // the end: a last line without its end counts too
+        // Only the last title and the last number count: the complete lines are read from the end
+        // back until both are found.
         std::optional<QString> titulo;
         std::optional<double> valor;
-        qsizetype inicio = 0, fin;
-        while ((fin = pendiente.indexOf('\n', inicio)) >= 0) {
+        const qsizetype completas = pendiente.lastIndexOf('\n') + 1;
+        for (qsizetype fin = completas - 1; fin >= 0 && !(titulo && valor);) {
+            const qsizetype inicio = fin > 0 ? pendiente.lastIndexOf('\n', fin - 1) + 1 : 0;
             const QString t = QString::fromUtf8(pendiente.constData() + inicio, fin - inicio).trimmed();
-            inicio = fin + 1;
             if (t.startsWith(u'#')) {
-                titulo = t.mid(1).trimmed();
-            } else if (bool ok = false; (void)t.toDouble(&ok), ok) {
+                if (!titulo)
+                    titulo = t.mid(1).trimmed();
+            } else if (bool ok = false; !valor && ((void)t.toDouble(&ok), ok)) {
                 valor = t.toDouble();
             }
+            fin = inicio - 1;
         }
-        pendiente.remove(0, inicio);
+        pendiente.remove(0, completas);
         if (titulo && ventana)
             if (QLabel *etiqueta = ventana->findChild<QLabel *>(QStringLiteral("BarraTitulo")))
                 etiqueta->setText(*titulo);
@@ -441,12 +447,16 @@ const char *const AyudaGeneral =
     "  -h, --help     muestra esta ayuda y termina\n"
     "  -V, --version  muestra la versión y termina\n"
     "\n"
+    "Toda orden con ventana acepta además:\n"
+    "  --timeout SEGUNDOS  cierra la ventana si nadie responde en ese tiempo (estado 5)\n"
+    "\n"
     "Cada orden acepta --help.  Las respuestas salen por la salida estándar, una por línea.\n"
     "\n"
     "Estado de salida:\n"
     "  0  aceptado (\"Aceptar\", \"Si\")\n"
     "  1  cancelado, \"No\" o ventana cerrada\n"
     "  2  línea de órdenes errónea o no hay pantalla\n"
+    "  5  se agotó el tiempo de --timeout\n"
     "\n"
     "Ejemplo:\n"
     "  kvr mensaje '¿Borrar los listados?;Se perderán' --botones 3 --icono 7 && rm -f listados/*\n";
@@ -635,7 +645,7 @@ int main(int argc, char *argv[])
             valor = nombre.mid(igual + 1);
             nombre.truncate(igual);
         }
-        if (orden->conValor.contains(nombre)) {
+        if (orden->conValor.contains(nombre) || (orden->ventana && nombre == u"timeout")) {
             if (!valor) {
                 if (i + 1 >= args.size())
                     return errorUso(a.orden, QStringLiteral("falta el valor de --%1").arg(nombre));
@@ -654,6 +664,16 @@ int main(int argc, char *argv[])
         return errorUso(a.orden, QStringLiteral("sobra el argumento «%1»").arg(a.posicionales.value(orden->maximo)));
     if (a.orden == u"visor" && !a.tiene("titulos"))
         return errorUso(a.orden, QStringLiteral("falta --titulos"));
+    // --timeout: seconds, a fraction allowed, up to a day.
+    std::optional<int> esperaMs;
+    if (a.tiene("timeout")) {
+        bool ok = false;
+        const double segundos = QLocale::c().toDouble(QString(a.valor("timeout")).replace(u',', u'.'), &ok);
+        if (!ok || !(segundos >= 0) || segundos > 86400)
+            return errorUso(a.orden, QStringLiteral("--timeout debe ser un número de segundos de 0 a 86400: «%1»")
+                                         .arg(a.valor("timeout")));
+        esperaMs = int(segundos * 1000);
+    }
     // A list from a file must be a regular file that can be read (a FIFO would block the box, a
     // folder or a missing file would give an empty list without a word): told before any window.
     if (const QString lista = a.valor("lista"); a.orden == u"entrada" && lista.startsWith(u'@')) {
@@ -694,9 +714,21 @@ int main(int argc, char *argv[])
     QApplication::setApplicationVersion(QStringLiteral(KVR_VERSION));
     Activador activador;
     app.installEventFilter(&activador);
+    // Nobody answered in time: every window still open is closed as the user would close it, and
+    // the command ends with its own status.
+    bool agotado = false;
+    if (esperaMs)
+        QTimer::singleShot(*esperaMs, &app, [&agotado] {
+            agotado = true;
+            for (QWidget *w : QApplication::topLevelWidgets())
+                if (w->isVisible())
+                    w->close();
+        });
+    int estado;
     try {
-        return orden->ejecutar(a);
+        estado = orden->ejecutar(a);
     } catch (const kvr::ErrorEjecucion &e) {
         return errorEjecucion(a.orden, e);
     }
+    return agotado ? TiempoAgotado : estado;
 }

@@ -34,7 +34,7 @@ int CodigoShift(int modificadoresQt);
 // Registers the factory of a runtime window under its name (the window's source file does it
 // from a static initializer). A later registration under the same name replaces the earlier; an
 // empty factory removes it.
-void RegistrarVentana(const QString &nombre, std::function<QWidget *()> fabrica);
+void RegistrarVentana(const QString &nombre, const std::function<QWidget *()> &fabrica);
 // Shows the window named `nombre`: a top-level window of that objectName already loaded (the
 // first in QApplication::topLevelWidgets()) is shown and brought forward; otherwise its
 // registered factory makes one, which takes the name and is shown. A name without window nor

@@ -427,7 +427,7 @@ bool CrearZip(const QStringList &rutas, const QString &zip, const AvisoProgreso 
     for (const QString &r : rutas) {
         // "datos/" and "datos/." are stored as "datos" too.
         const QFileInfo info(QDir::cleanPath(QFileInfo(r).absoluteFilePath()));
-        if (!QFileInfo(r).exists()) {
+        if (!QFileInfo::exists(r)) {
             avisar(titulo + QStringLiteral("no existe %1.").arg(r));
             return false;
         }

@@ -133,7 +133,7 @@ Ini analizar(QByteArray bytes)
         }
     if (!ini.ascii || b.startsWith("\xEF\xBB\xBF")) {
         QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-        const QString prueba = utf8.decode(b);
+        (void)utf8.decode(b); // decoded only to learn whether the bytes are UTF-8
         ini.utf8 = !utf8.hasError();
     }
     if (!b.contains("\r\n") && b.contains('\n'))

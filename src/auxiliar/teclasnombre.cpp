@@ -22,7 +22,7 @@ const QHash<QString, PulsacionTecla> &nombres()
 {
     static const QHash<QString, PulsacionTecla> tabla = [] {
         QHash<QString, PulsacionTecla> t;
-        const auto con = [&t](std::initializer_list<const char *> ns, int tecla, QString texto = {},
+        const auto con = [&t](std::initializer_list<const char *> ns, int tecla, const QString &texto = {},
                               Qt::KeyboardModifiers m = Qt::NoModifier) {
             for (const char *n : ns)
                 t.insert(QString::fromLatin1(n), {tecla, m, texto});
@@ -182,9 +182,9 @@ private:
         const qsizetype blanco = dentro.lastIndexOf(u' ');
         if (blanco > 0) {
             bool ok = false;
-            veces = dentro.mid(blanco + 1).toInt(&ok);
-            if (!ok || veces < 0 || veces > kMaximoRepeticiones
-                || !dentro.mid(blanco + 1).front().isDigit())
+            const QStringView numero = QStringView(dentro).mid(blanco + 1);
+            veces = numero.toInt(&ok);
+            if (!ok || veces < 0 || veces > kMaximoRepeticiones || !numero.front().isDigit())
                 sintaxis(m_t);
             nombre = dentro.left(blanco);
         }

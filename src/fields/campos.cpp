@@ -202,14 +202,12 @@ private:
         if (ke->modifiers() & (Qt::ControlModifier | Qt::MetaModifier))
             return false;
         const QString t = ke->text();
+        if (ke->key() == Qt::Key_Backspace)
+            return false;
         int codigo = 0;
         if (ke->key() == Qt::Key_Return || ke->key() == Qt::Key_Enter)
             codigo = 13;
-        else if (ke->key() == Qt::Key_Backspace)
-            return false;
-        else if (t.size() == 1 && t.at(0).isPrint())
-            codigo = t.at(0).unicode();
-        else if (t.size() == 2 && t.at(0).isHighSurrogate())
+        else if ((t.size() == 1 && t.at(0).isPrint()) || (t.size() == 2 && t.at(0).isHighSurrogate()))
             codigo = t.at(0).unicode();
         else
             return false;

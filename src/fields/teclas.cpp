@@ -36,10 +36,11 @@ DecisionTecla DecidirTecla(const QString &tag, const QString &texto, int inicioS
         if (c == u',')
             c = u'.';
         const double dec = Val(decimales);
-        if (c == u'-' && inicioSeleccion != 0) {
-        } else if (c == u'-' && tipo != u"N") {
-        } else if (c == u'.' && texto.contains(u'.')) {
-        } else if (!QStringLiteral("0123456789.-").contains(c)) {
+        // A minus only at the start and only in signed fields, one point, nothing but digits.
+        const bool rechazado = (c == u'-' && (inicioSeleccion != 0 || tipo != u"N"))
+                               || (c == u'.' && texto.contains(u'.')) || !QStringLiteral("0123456789.-").contains(c);
+        if (rechazado) {
+            aceptado = false;
         } else if (dec <= 0 && tipo != u"C") {
             aceptado = c != u'.';
         } else {

@@ -668,7 +668,7 @@ void Rejilla::PonerClip(const QString &texto)
     for (int i = 0; i < filas.size() && f0 + i <= f1; ++i) {
         const QStringList celdas = filas[i].split(u'\t');
         for (int j = 0; j < celdas.size() && c0 + j <= c1; ++j)
-            escribirTexto(m_columnas[std::size_t(c0 + j)], ranura(f0 + i), celdas[j]);
+            escribirTexto(m_columnas[std::size_t(c0) + std::size_t(j)], ranura(f0 + i), celdas[j]);
     }
     // One notification for the whole rectangle.
     if (avisar())

@@ -252,7 +252,7 @@ private:
 
     // A part is finished by comparisons when it has few keys or its keys fit in cache.
     static constexpr std::size_t PocasClaves = 64;
-    static constexpr std::size_t BytesLocales = 192 * 1024;
+    static constexpr std::size_t BytesLocales = std::size_t(192) * 1024;
     // Parts of more keys than this are split by two bytes at a time.
     static constexpr std::size_t ParaDosBytes = 1 << 16;
 

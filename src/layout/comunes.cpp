@@ -77,7 +77,7 @@ struct TablaDos {
     bool leerDeIconv()
     {
         iconv_t cd = iconv_open("UTF-16LE", "CP850");
-        if (cd == iconv_t(-1))
+        if (cd == iconv_t(-1)) // NOLINT(performance-no-int-to-ptr): iconv_open's documented failure value
             return false;
         bool ok = true;
         for (int b = 0; b < 256 && ok; ++b) {

@@ -188,10 +188,10 @@ int CodigoShift(int modificadoresQt)
     return s;
 }
 
-void RegistrarVentana(const QString &nombre, std::function<QWidget *()> fabrica)
+void RegistrarVentana(const QString &nombre, const std::function<QWidget *()> &fabrica)
 {
     if (fabrica)
-        fabricas().insert(nombre, std::move(fabrica));
+        fabricas().insert(nombre, fabrica);
     else
         fabricas().remove(nombre);
 }

@@ -9,8 +9,9 @@ namespace kvr {
 class TiraVersion : public QFrame {
     Q_OBJECT
     // What the strip shows and how many times a text was drawn on it since it was created.
-    Q_PROPERTY(QString texto READ Texto)
-    Q_PROPERTY(int dibujos READ Dibujos)
+    // Read by tests and pictures only, never bound: no change signal is worth its cost here.
+    Q_PROPERTY(QString texto READ Texto) // clazy:exclude=qproperty-without-notify
+    Q_PROPERTY(int dibujos READ Dibujos) // clazy:exclude=qproperty-without-notify
 public:
     explicit TiraVersion(QWidget *parent = nullptr);
 

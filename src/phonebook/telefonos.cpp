@@ -121,7 +121,7 @@ Telefonos::Telefonos(QWidget *parent)
     const auto manejar = [this](auto metodo) {
         return [this, metodo](auto &&...args) { EjecutarManejador([&] { (this->*metodo)(args...); }); };
     };
-    connect(ui->BuscoTLF, &QLineEdit::textChanged, this, [this, m = manejar(&Telefonos::BuscoTLF_Change)] { m(); });
+    connect(ui->BuscoTLF, &QLineEdit::textChanged, this, [m = manejar(&Telefonos::BuscoTLF_Change)] { m(); });
     connect(ui->Telfs, &VisorRejilla::Click, this, manejar(&Telefonos::Telfs_Click));
     connect(ui->Telfs, &VisorRejilla::RowColChange, this, manejar(&Telefonos::Telfs_RowColChange));
     connect(ui->Telfs, &VisorRejilla::ClickDerecho, this, manejar(&Telefonos::Telfs_MouseDown));

@@ -100,6 +100,7 @@ void limpiarRestos(const QByteArray &carpeta, const QByteArray &patron)
     if (!d)
         return;
     const time_t limite = ::time(nullptr) - 60;
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): this stream of the folder is the call's own
     while (const dirent *e = ::readdir(d)) {
         if (::fnmatch(patron.constData(), e->d_name, 0) != 0)
             continue;

@@ -272,7 +272,7 @@ void redondear(double valor, int decimales, std::string &entera, std::string &fr
     }
     // Align so that the decimal point sits at index `puntoEn` in `digitos`.
     if (puntoEn <= 0) {
-        digitos.insert(0, size_t(-puntoEn + 1), '0');
+        digitos.insert(0, size_t(1) + size_t(-static_cast<long long>(puntoEn)), '0');
         puntoEn = 1;
     }
     if (int(digitos.size()) < puntoEn)

@@ -18,7 +18,7 @@ int Servicios::Mensaje(const QString &texto, int botones, const QString &titulo)
 {
     // Without a window system there is nobody to ask: the message goes to the error output and
     // the first button of the set counts as pressed.
-    std::fprintf(stderr, "%s: %s\n", qPrintable(titulo.isEmpty() ? TituloAplicacion() : titulo),
+    (void)std::fprintf(stderr, "%s: %s\n", qPrintable(titulo.isEmpty() ? TituloAplicacion() : titulo),
                  qPrintable(texto));
     switch (botones & 7) {
     case AbortarReintentarIgnorar: return RespAbortar;

@@ -24,7 +24,7 @@ int OrientacionDeCola(const QString &cola)
                                      instancia.isEmpty() ? nullptr : instancia.constData(), n,
                                      destinos)) {
         const char *valor = cupsGetOption("orientation-requested", d->num_options, d->options);
-        const int v = valor ? std::atoi(valor) : 3;
+        const long v = valor ? std::strtol(valor, nullptr, 10) : 3;
         orientacion = v == 4 || v == 5 ? 2 : 1; // 5 is landscape turned the other way
     }
     cupsFreeDests(n, destinos);

@@ -54,7 +54,8 @@ double segundosDelDia()
 // A value of the host as a position of the QProgressBar, which counts in whole numbers.
 int entero(float v)
 {
-    constexpr float tope = float(std::numeric_limits<int>::max() / 2);
+    constexpr int mitad = std::numeric_limits<int>::max() / 2;
+    constexpr float tope = float(mitad);
     if (std::isnan(v))
         return 0;
     return int(std::lround(std::clamp(v, -tope, tope)));
@@ -146,7 +147,8 @@ QString Progreso::TextoTiempo(float segundos)
 {
     if (!std::isfinite(segundos))
         segundos = 0;
-    const double maximo = double(std::numeric_limits<long long>::max() / 2);
+    constexpr long long mitad = std::numeric_limits<long long>::max() / 2;
+    const double maximo = double(mitad);
     const long long s = (long long)std::clamp(std::floor(double(segundos)), -maximo, maximo);
     const long long h = s / 3600;
     const long long resto = s - h * 3600;
