@@ -133,7 +133,9 @@ Ini analizar(QByteArray bytes)
         }
     if (!ini.ascii || b.startsWith("\xEF\xBB\xBF")) {
         QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-        (void)utf8.decode(b); // decoded only to learn whether the bytes are UTF-8
+        // Decoded only to learn whether the bytes are UTF-8 (the decoding happens on the
+        // conversion to QString, not in decode() itself).
+        (void)QString(utf8.decode(b));
         ini.utf8 = !utf8.hasError();
     }
     if (!b.contains("\r\n") && b.contains('\n'))
