@@ -5,33 +5,13 @@
 #include <kvr/error.h>
 #include <kvr/ini.h>
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QFile>
+#include <QList>
 #include <QStringDecoder>
 
 #include <cstdint>
 #include <cstdlib>
 
 namespace {
-
-QString fichero()
-{
-    static const QString f = [] {
-        const QString d = QDir::tempPath() + QStringLiteral("/fuzz_ini_%1").arg(QCoreApplication::applicationPid());
-        QDir().mkpath(d);
-        return d + QStringLiteral("/prueba.ini");
-    }();
-    return f;
-}
-
-QByteArray leer()
-{
-    QFile f(fichero());
-    if (!f.open(QIODevice::ReadOnly))
-        std::abort();
-    return f.readAll();
-}
 
 // The reader takes a file as UTF-8 when its bytes are valid UTF-8, as Windows-1252 otherwise.
 bool esUtf8(const QByteArray &b)
@@ -55,28 +35,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tam)
     const QString clave = QString::fromUtf8(partes[1]);
     const QString otra = QString::fromUtf8(partes[2]);
     const QByteArray bytes = entrada.mid(partes[0].size() + partes[1].size() + partes[2].size() + 3);
-    {
-        QFile f(fichero());
-        if (!f.open(QIODevice::WriteOnly))
-            std::abort();
-        f.write(bytes);
-    }
-    const QString antesOtra = kvr::LeerIni(fichero(), seccion, otra, QStringLiteral("\x01"));
+    // The file routines read and write through the text ones; the text is worked on in memory, so
+    // that a run costs no file system.
+    const QString antesOtra = kvr::LeerIniDeTexto(bytes, seccion, otra, QStringLiteral("\x01"));
+    QByteArray despues;
     try {
-        kvr::GrabarIni(fichero(), seccion, clave, QStringLiteral("Valor 1"));
+        despues = kvr::GrabarIniEnTexto(bytes, seccion, clave, QStringLiteral("Valor 1"));
     } catch (const kvr::ErrorEjecucion &) {
-        if (leer() != bytes) // refused: the file is untouched
-            std::abort();
-        return 0;
+        return 0; // refused: nothing is written
     }
-    const QByteArray despues = leer();
-    if (kvr::LeerIni(fichero(), seccion, clave) != QStringLiteral("Valor 1"))
+    if (kvr::LeerIniDeTexto(despues, seccion, clave) != QStringLiteral("Valor 1"))
         std::abort();
     // The code page is told by the bytes alone: a Windows-1252 file whose only bytes that are not
     // UTF-8 stood in the rewritten value reads as UTF-8 afterwards, and its other non-ASCII text
     // with it. The other key is compared while the file reads in the same code page.
     if (otra.trimmed().compare(clave.trimmed(), Qt::CaseInsensitive) != 0 && esUtf8(bytes) == esUtf8(despues)
-        && kvr::LeerIni(fichero(), seccion, otra, QStringLiteral("\x01")) != antesOtra)
+        && kvr::LeerIniDeTexto(despues, seccion, otra, QStringLiteral("\x01")) != antesOtra)
         std::abort();
     // Everything up to the first byte that differs is the old file's, and so is everything after
     // the last one: only one stretch changed.
@@ -90,7 +64,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tam)
     const QByteArray cambiado = despues.mid(i, despues.size() - i - j);
     if (cambiado.count('\n') > 4) // a key line; or the last line's end, a blank line, a header, a key
         std::abort();
-    kvr::BorrarIni(fichero(), seccion, clave);
-    kvr::BorrarIni(fichero(), seccion);
+    // The key just written is there to remove (a line goes), and so is its section.
+    const auto sinClave = kvr::BorrarIniDeTexto(despues, seccion, clave);
+    if (!sinClave || sinClave->size() >= despues.size())
+        std::abort();
+    if (!kvr::BorrarIniDeTexto(*sinClave, seccion))
+        std::abort();
     return 0;
 }

@@ -7,52 +7,19 @@
 #include <kvr/rejilla.h>
 #include <kvr/tablas.h>
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QFile>
 #include <QStringDecoder>
 
 #include <cstdint>
 #include <cstdlib>
 
-namespace {
-
-QString carpeta()
-{
-    static const QString c = [] {
-        QString d = QDir::tempPath() + QStringLiteral("/fuzz_tablas_%1").arg(QCoreApplication::applicationPid());
-        QDir().mkpath(d);
-        return d;
-    }();
-    return c;
-}
-
-QByteArray leer(const QString &ruta)
-{
-    QFile f(ruta);
-    if (!f.open(QIODevice::ReadOnly))
-        std::abort();
-    return f.readAll();
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tam)
 {
-    QString entrada = carpeta() + QStringLiteral("/entrada.txt");
-    QString salida = carpeta() + QStringLiteral("/salida.txt");
-    {
-        QFile f(entrada);
-        if (!f.open(QIODevice::WriteOnly))
-            std::abort();
-        f.write(reinterpret_cast<const char *>(datos), qint64(tam));
-    }
+    // The load and the save read and write through these, worked on in memory here.
     kvr::Rejilla g;
     g.PonerFixedCols(0);
     kvr::CargarVisor(g, QStringLiteral("Elemento#20"));
-    kvr::FicheroTabla(kvr::OperacionCargar, entrada, g);
-    kvr::FicheroTabla(kvr::OperacionRegrabar, salida, g);
-    const QByteArray primera = leer(salida);
+    kvr::TablaDeTexto(QByteArray(reinterpret_cast<const char *>(datos), qsizetype(tam)), g);
+    const QByteArray primera = kvr::TextoTabla(kvr::ElementosTabla(g));
 
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     // The decoder works when its result is taken as a string, not when the call is made.
@@ -67,9 +34,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tam)
     kvr::Rejilla h;
     h.PonerFixedCols(0);
     kvr::CargarVisor(h, QStringLiteral("Elemento#20"));
-    kvr::FicheroTabla(kvr::OperacionCargar, salida, h);
-    kvr::FicheroTabla(kvr::OperacionRegrabar, salida, h);
-    if (leer(salida) != primera)
+    kvr::TablaDeTexto(primera, h);
+    if (kvr::TextoTabla(kvr::ElementosTabla(h)) != primera)
         std::abort();
     return 0;
 }

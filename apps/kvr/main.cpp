@@ -5,6 +5,8 @@
 // nobody answered within --timeout.
 #include <kvr/kvr.h>
 
+#include "linea.h"
+
 #include <QApplication>
 #include <QFile>
 #include <QLabel>
@@ -26,25 +28,11 @@ constexpr int Cancelado = 1;
 constexpr int ErrorUso = 2;
 constexpr int TiempoAgotado = 5;
 
-struct Argumentos {
-    QString orden;
-    std::map<QString, QString> opciones;
-    QStringList posicionales;
-    bool tiene(const char *o) const { return opciones.count(QString::fromLatin1(o)) > 0; }
-    QString valor(const char *o, const QString &omision = {}) const
-    {
-        const auto i = opciones.find(QString::fromLatin1(o));
-        return i == opciones.end() ? omision : i->second;
-    }
-};
+using kvr::orden::Argumentos;
 
 struct Orden {
-    const char *nombre;
-    const char *ayuda;                 // shown by "kvr ORDEN --help"
-    QStringList conValor;              // options that take a value
-    QStringList banderas;              // options without one
-    int minimo, maximo;                // positional arguments
-    bool ventana;                      // needs a display
+    kvr::orden::Especificacion especificacion;
+    const char *ayuda; // shown by "kvr ORDEN --help"
     std::function<int(Argumentos &)> ejecutar;
 };
 
@@ -341,63 +329,10 @@ int tabla(Argumentos &a)
     return QCoreApplication::exec() == 0 ? Aceptado : Cancelado;
 }
 
-// An amount as people write it: "1234,56", "1234.56", "1.234,56", "1,234.56", "1.234.567". When
-// both marks appear the last one is the decimal one and the other groups thousands; a mark that
-// appears more than once groups thousands. One mark alone followed by exactly three digits
-// ("1.234", "1,234") could be either, and is refused rather than guessed.
-std::optional<double> leerCantidad(const QString &texto, QString &problema)
-{
-    QString t = texto.trimmed();
-    const bool negativo = t.startsWith(u'-');
-    if (negativo || t.startsWith(u'+'))
-        t.remove(0, 1);
-    const qsizetype puntos = t.count(u'.'), comas = t.count(u',');
-    QChar decimal, miles;
-    if (puntos && comas) {
-        decimal = t.lastIndexOf(u'.') > t.lastIndexOf(u',') ? u'.' : u',';
-        miles = decimal == u'.' ? u',' : u'.';
-        if (t.count(decimal) > 1)
-            return std::nullopt;
-    } else if (puntos + comas > 1) {
-        miles = puntos ? u'.' : u',';
-    } else if (puntos + comas == 1) {
-        const QChar marca = puntos ? u'.' : u',';
-        if (t.size() - t.indexOf(marca) - 1 == 3 && t.indexOf(marca) > 0) {
-            const qsizetype m = t.indexOf(marca);
-            problema = QStringLiteral("«%1» es ambigua: «%2» puede separar miles o decimales. Escriba %3 si son miles, "
-                                      "o %4 si son decimales")
-                           .arg(texto, QString(marca), t.left(m) + t.mid(m + 1), t.left(m) + u',' + t.mid(m + 1) + u'0');
-            return std::nullopt;
-        }
-        decimal = marca;
-    }
-    QString entero = decimal.isNull() ? t : t.left(t.indexOf(decimal));
-    const QString fraccion = decimal.isNull() ? QString() : t.mid(t.indexOf(decimal) + 1);
-    if (!miles.isNull()) {
-        // Groups of three after the first group of one to three digits.
-        const QStringList grupos = entero.split(miles);
-        for (qsizetype i = 0; i < grupos.size(); ++i)
-            if (grupos[i].isEmpty() || grupos[i].size() > 3 || (i > 0 && grupos[i].size() != 3))
-                return std::nullopt;
-        entero = grupos.join(QString());
-    }
-    const auto soloCifras = [](const QString &s) {
-        return std::all_of(s.begin(), s.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
-    };
-    if ((entero.isEmpty() && fraccion.isEmpty()) || !soloCifras(entero) || !soloCifras(fraccion))
-        return std::nullopt;
-    bool ok = false;
-    const double v = QLocale::c().toDouble(
-        (entero.isEmpty() ? QStringLiteral("0") : entero) + (fraccion.isEmpty() ? QString() : u'.' + fraccion), &ok);
-    if (!ok)
-        return std::nullopt;
-    return negativo ? -v : v;
-}
-
 int letras(Argumentos &a)
 {
     QString problema;
-    const std::optional<double> leido = leerCantidad(a.posicionales.value(0), problema);
+    const std::optional<double> leido = kvr::orden::LeerCantidad(a.posicionales.value(0), problema);
     if (!leido)
         return errorUso(a.orden, problema.isEmpty() ? QStringLiteral("«%1» no es una cantidad").arg(a.posicionales.value(0))
                                                     : problema);
@@ -461,6 +396,12 @@ const char *const AyudaGeneral =
     "Ejemplo:\n"
     "  kvr mensaje '¿Borrar los listados?;Se perderán' --botones 3 --icono 7 && rm -f listados/*\n";
 
+Orden hacer(const char *nombre, const char *ayuda, const QStringList &conValor, const QStringList &banderas,
+            int minimo, int maximo, bool ventana, std::function<int(Argumentos &)> ejecutar)
+{
+    return {{QString::fromLatin1(nombre), conValor, banderas, minimo, maximo, ventana}, ayuda, std::move(ejecutar)};
+}
+
 std::vector<Orden> ordenes()
 {
     const auto L = [](std::initializer_list<const char *> l) {
@@ -470,7 +411,7 @@ std::vector<Orden> ordenes()
         return r;
     };
     return {
-        {"mensaje",
+        hacer("mensaje",
          "Uso: kvr mensaje TEXTO [OPCIONES]\n"
          "Muestra una caja de mensaje y escribe el código del botón pulsado.\n"
          "\";\" en TEXTO empieza una línea nueva.\n\n"
@@ -482,8 +423,8 @@ std::vector<Orden> ordenes()
          "  --omision N      botón inicial: 1 el primero, 2 el segundo, 3 el último (1)\n\n"
          "Códigos: Aceptar 1, Cancelar 2, Abortar 3, Reintentar 4, Ignorar 5, Si 6, No 7,\n"
          "0 cerrada con Escape.  Estado 0 con Aceptar, Reintentar, Ignorar o Si; 1 con los demás.\n",
-         L({"titulo", "icono", "botones", "omision"}), {}, 1, 1, true, mensaje},
-        {"entrada",
+         L({"titulo", "icono", "botones", "omision"}), {}, 1, 1, true, mensaje),
+        hacer("entrada",
          "Uso: kvr entrada TEXTO [OPCIONES]\n"
          "Pide un valor en un campo que se comporta según su descripción y lo escribe.\n\n"
          "  --tag TAG          descripción del campo, p. ej. \"T(F) L(10) A(I)\" (una fecha);\n"
@@ -495,8 +436,8 @@ std::vector<Orden> ordenes()
          "  --titulo TEXTO     título de la caja\n"
          "  --icono N          icono, como en «kvr mensaje» (2)\n\n"
          "Estado 0 con Aceptar (aunque el valor esté vacío), 1 con Cancelar o Escape.\n",
-         L({"tag", "inicial", "lista", "separador", "ayuda", "titulo", "icono"}), {}, 1, 1, true, entrada},
-        {"visor",
+         L({"tag", "inicial", "lista", "separador", "ayuda", "titulo", "icono"}), {}, 1, 1, true, entrada),
+        hacer("visor",
          "Uso: kvr visor --titulos COLUMNAS [OPCIONES] < FILAS\n"
          "Muestra en una rejilla las filas de la entrada estándar (celdas separadas por\n"
          "tabuladores) y escribe la columna pedida de la fila elegida.\n\n"
@@ -505,54 +446,54 @@ std::vector<Orden> ordenes()
          "  --titulo TEXTO     título de la caja\n"
          "  --icono N          icono, como en «kvr mensaje» (10)\n\n"
          "Estado 0 con una fila elegida y Aceptar, 1 si no.\n",
-         L({"titulos", "columna", "titulo", "icono"}), {}, 0, 0, true, visor},
-        {"progreso",
+         L({"titulos", "columna", "titulo", "icono"}), {}, 0, 0, true, visor),
+        hacer("progreso",
          "Uso: kvr progreso [OPCIONES] < ORDENES\n"
          "Muestra la ventana de progreso.  Cada línea de la entrada estándar con un número\n"
          "avanza hasta él; una línea \"# texto\" cambia el título; el fin de la entrada la cierra.\n\n"
          "  --total N          valor del final de la tarea (100)\n"
          "  --titulo TEXTO     título inicial\n\n"
          "Estado 0 al acabar la entrada, 1 si el usuario cierra la ventana.\n",
-         L({"total", "titulo"}), {}, 0, 0, true, progreso},
-        {"calculadora",
+         L({"total", "titulo"}), {}, 0, 0, true, progreso),
+        hacer("calculadora",
          "Uso: kvr calculadora [+N]\n"
          "Abre la calculadora con cinta de papel (+2: al doble de su tamaño).\n",
-         {}, {}, 0, 1, true, calculadora},
-        {"telefonos",
+         {}, {}, 0, 1, true, calculadora),
+        hacer("telefonos",
          "Uso: kvr telefonos\n"
          "Abre la agenda de teléfonos y escribe el correo del contacto elegido.\n"
          "La agenda es TELEFONO.DAT en la carpeta de la variable TLF.\n"
          "Estado 0 con un correo elegido, 1 si no.\n",
-         {}, {}, 0, 0, true, telefonos},
-        {"impresora",
+         {}, {}, 0, 0, true, telefonos),
+        hacer("impresora",
          "Uso: kvr impresora [--apaisado]\n"
          "Elige impresora y orientación; escribe la impresora y \"Vertical\" u \"Horizontal\".\n\n"
          "  --apaisado   propone la otra orientación de la impresora\n\n"
          "Estado 0 con Aceptar, 1 con Cancelar.\n",
-         {}, L({"apaisado"}), 0, 0, true, impresora},
-        {"ayuda",
+         {}, L({"apaisado"}), 0, 0, true, impresora),
+        hacer("ayuda",
          "Uso: kvr ayuda FICHERO|URL\n"
          "Muestra un fichero de ayuda RTF o una página web en la ventana de ayuda.\n",
-         {}, {}, 1, 1, true, ayuda},
-        {"tabla",
+         {}, {}, 1, 1, true, ayuda),
+        hacer("tabla",
          "Uso: kvr tabla FICHERO [OPCIONES]\n"
          "Edita una tabla de una columna guardada en un fichero de texto.\n\n"
          "  --titulos LINEA    columna de la rejilla (\"Elemento#25\")\n"
          "  --tag TAG          descripción del campo (\"T(M) L(15) A(I)\")\n",
-         L({"titulos", "tag"}), {}, 1, 1, true, tabla},
-        {"letras",
+         L({"titulos", "tag"}), {}, 1, 1, true, tabla),
+        hacer("letras",
          "Uso: kvr letras CANTIDAD [OPCIONES]\n"
          "Escribe una cantidad en letras: 1234,56 da \"mil doscientos treinta y cuatro euros\n"
          "con cincuenta y seis céntimos\".\n\n"
          "  --moneda MONEDA    EUR (euros) o ESP (pesetas) (EUR)\n"
          "  --numero           un número entero, sin moneda\n",
-         L({"moneda"}), L({"numero"}), 1, 1, false, letras},
-        {"nif",
+         L({"moneda"}), L({"numero"}), 1, 1, false, letras),
+        hacer("nif",
          "Uso: kvr nif TEXTO\n"
          "Comprueba un DNI, NIE, NIF o CIF.  Escribe su clase, el identificador normalizado\n"
          "y el carácter de control que le corresponde.\n"
          "Estado 0 si es válido, 1 si no.\n",
-         {}, {}, 1, 1, false, nif},
+         {}, {}, 1, 1, false, nif),
     };
 }
 
@@ -617,63 +558,27 @@ int main(int argc, char *argv[])
     const std::vector<Orden> lista = ordenes();
     const Orden *orden = nullptr;
     for (const Orden &o : lista) {
-        if (args[0] == QString::fromLatin1(o.nombre))
+        if (args[0] == o.especificacion.nombre)
             orden = &o;
     }
     if (!orden)
         return errorUso({}, QStringLiteral("orden desconocida «%1»").arg(args[0]));
 
-    Argumentos a;
-    a.orden = args[0];
-    bool soloPosicionales = false;
-    for (int i = 1; i < args.size(); ++i) {
-        const QString &s = args[i];
-        if (soloPosicionales || !s.startsWith(u"--") || s.size() == 2) {
-            if (s == u"--" && !soloPosicionales)
-                soloPosicionales = true;
-            else
-                a.posicionales << s;
-            continue;
-        }
-        if (s == u"--help") {
-            escribir(stdout, QString::fromUtf8(orden->ayuda));
-            return 0;
-        }
-        QString nombre = s.mid(2);
-        std::optional<QString> valor;
-        if (const qsizetype igual = nombre.indexOf(u'='); igual >= 0) {
-            valor = nombre.mid(igual + 1);
-            nombre.truncate(igual);
-        }
-        if (orden->conValor.contains(nombre) || (orden->ventana && nombre == u"timeout")) {
-            if (!valor) {
-                if (i + 1 >= args.size())
-                    return errorUso(a.orden, QStringLiteral("falta el valor de --%1").arg(nombre));
-                valor = args[++i];
-            }
-            a.opciones[nombre] = *valor;
-        } else if (orden->banderas.contains(nombre) && !valor) {
-            a.opciones[nombre] = QString();
-        } else {
-            return errorUso(a.orden, QStringLiteral("opción no válida «%1»").arg(s));
-        }
+    const kvr::orden::Lectura lectura = kvr::orden::LeerLinea(args.mid(1), orden->especificacion);
+    if (lectura.ayuda) {
+        escribir(stdout, QString::fromUtf8(orden->ayuda));
+        return 0;
     }
-    if (a.posicionales.size() < orden->minimo)
-        return errorUso(a.orden, QStringLiteral("faltan argumentos"));
-    if (a.posicionales.size() > orden->maximo)
-        return errorUso(a.orden, QStringLiteral("sobra el argumento «%1»").arg(a.posicionales.value(orden->maximo)));
+    if (!lectura.error.isEmpty())
+        return errorUso(args[0], lectura.error);
+    Argumentos a = lectura.argumentos;
     if (a.orden == u"visor" && !a.tiene("titulos"))
         return errorUso(a.orden, QStringLiteral("falta --titulos"));
     // --timeout: seconds, a fraction allowed, up to a day.
     std::optional<int> esperaMs;
-    if (a.tiene("timeout")) {
-        bool ok = false;
-        const double segundos = QLocale::c().toDouble(QString(a.valor("timeout")).replace(u',', u'.'), &ok);
-        if (!ok || !(segundos >= 0) || segundos > 86400)
-            return errorUso(a.orden, QStringLiteral("--timeout debe ser un número de segundos de 0 a 86400: «%1»")
-                                         .arg(a.valor("timeout")));
-        esperaMs = int(segundos * 1000);
-    }
+    if (a.tiene("timeout") && !(esperaMs = kvr::orden::LeerSegundos(a.valor("timeout"))))
+        return errorUso(a.orden, QStringLiteral("--timeout debe ser un número de segundos de 0 a 86400: «%1»")
+                                     .arg(a.valor("timeout")));
     // A list from a file must be a regular file that can be read (a FIFO would block the box, a
     // folder or a missing file would give an empty list without a word): told before any window.
     if (const QString lista = a.valor("lista"); a.orden == u"entrada" && lista.startsWith(u'@')) {
@@ -695,7 +600,7 @@ int main(int argc, char *argv[])
     static int argcQt = int(argvQt.size());
     argvQt.push_back(nullptr);
 
-    if (!orden->ventana) {
+    if (!orden->especificacion.ventana) {
         QCoreApplication app(argcQt, argvQt.data());
         return orden->ejecutar(a);
     }

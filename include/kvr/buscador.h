@@ -12,7 +12,8 @@
 namespace kvr {
 
 // Upper case of UTF-8 text, character by character (one character gives one character, as a
-// field's upper case does), appended to `destino`.
+// field's upper case does), appended to `destino`. A NUL becomes a blank, as a contacts file
+// reads it: the index ends each row's text with a NUL of its own.
 void MayusculasUtf8(std::string_view texto, std::string &destino);
 // The same into a buffer with room for twice the bytes of `texto`; returns the end written.
 char *MayusculasUtf8(std::string_view texto, char *destino);

@@ -54,9 +54,11 @@ QString FormatoFijo(double valor, int ancho, const QString &formato = {});
 
 // The lines of a text file (line ends CR LF, LF or CR; a final line end adds no empty line).
 // UTF-8 when the file is valid UTF-8, otherwise the Windows single-byte set (windows-1252).
-// A path that does not exist gives no lines; a path that exists but cannot be read (a folder,
-// no permission) throws ErrorEjecucion(AccesoDenegado).
+// A path that does not exist gives no lines; a path that exists but cannot be read (a folder, a
+// FIFO, a device, no permission) throws ErrorEjecucion(AccesoDenegado) with the cause.
 QStringList LeerLineas(const QString &ruta);
+// The same lines from a file's bytes.
+QStringList LineasDeTexto(const QByteArray &bytes);
 
 // The entries of a list text as LlenarCombo puts them in a list: "@path" gives the lines of that
 // file; otherwise the text is cut at ";" if it holds one, else at "<<" if it holds one, else it

@@ -4,7 +4,10 @@
 // comments. Files written by the family's older programs (Windows-1252, CR LF) are read and
 // written back compatibly: a write changes only its own line and keeps every other byte, and it
 // is saved atomically.
+#include <QByteArray>
 #include <QString>
+
+#include <optional>
 
 namespace kvr {
 
@@ -16,11 +19,22 @@ QString LeerIni(const QString &fichero, const QString &seccion, const QString &c
 // at the end of the file, when missing. A section name holding "]", a key holding "=" or
 // beginning with ";" or "[", a line break in any of them, or a name that a Windows-1252 file
 // cannot hold: ErrorEjecucion 5 (in a value such characters become "?", as the desktop writes
-// them). File errors: ErrorEjecucion 75 or 57.
+// them). File errors: ErrorEjecucion 75 or 57; a folder, FIFO or device in the file's place, or a
+// link out of its folder, is refused (75).
 void GrabarIni(const QString &fichero, const QString &seccion, const QString &clave,
                const QString &valor);
 // Removes `clave` from `seccion`; with no key, the whole section. Nothing to remove does nothing.
 void BorrarIni(const QString &fichero, const QString &seccion, const QString &clave = {});
+
+// The same three on a file's bytes, for a caller that keeps the text itself: the value read; the
+// bytes after the write (same errors); the bytes after the removal, none when nothing was removed.
+// A missing file is the empty text. The file routines above read and write through these.
+QString LeerIniDeTexto(const QByteArray &bytes, const QString &seccion, const QString &clave,
+                       const QString &porOmision = {});
+QByteArray GrabarIniEnTexto(const QByteArray &bytes, const QString &seccion, const QString &clave,
+                            const QString &valor);
+std::optional<QByteArray> BorrarIniDeTexto(const QByteArray &bytes, const QString &seccion,
+                                           const QString &clave = {});
 
 // The notes file: "Notas.INI" in the contacts file's folder (CarpetaContactos()).
 QString FicheroNotas();

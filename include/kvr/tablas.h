@@ -53,6 +53,9 @@ void FicheroTabla(const QString &Operacion, QString &Fichero, Rejilla &Grid);
 // The text of a table file as it is written: the elements that are not empty or all blanks,
 // each followed by CR LF, in UTF-8.
 QByteArray TextoTabla(const QStringList &elementos);
+// Fills a grid's column 0 from a table file's bytes, as a load does: the grid's rows blanked
+// first, then one element a line from row 1 (the grid grows when the file has more).
+void TablaDeTexto(const QByteArray &bytes, Rejilla &Grid);
 // The elements in column 0 of a grid's data rows (rows 1 and on), blanks included.
 QStringList ElementosTabla(const Rejilla &Grid);
 

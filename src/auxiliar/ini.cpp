@@ -2,11 +2,11 @@
 
 #include "kvr/contactos.h"
 #include "kvr/error.h"
+#include "kvr/ficheros.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QList>
-#include <QSaveFile>
 #include <QStringDecoder>
 
 
@@ -178,32 +178,27 @@ Ini analizar(QByteArray bytes)
     return ini;
 }
 
-QByteArray leerBytes(const QString &fichero, bool *existe)
+// The file's bytes; a file that is not there reads as empty. A folder, a FIFO or a device in its
+// place is refused (a FIFO would block).
+QByteArray leerBytes(const QString &fichero)
 {
-    QFile f(fichero);
-    *existe = f.exists() && !QFileInfo(fichero).isDir();
-    if (!*existe)
-        return {};
-    if (!f.open(QIODevice::ReadOnly))
+    QByteArray datos;
+    if (const auto fallo = LeerFicheroRegular(fichero, datos)) {
+        if (fallo->numero == ErrorEjecucion::ArchivoNoEncontrado)
+            return {};
         throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
-                             QStringLiteral("No se puede leer el fichero %1").arg(fichero));
-    return f.readAll();
+                             QStringLiteral("No se puede leer el fichero %1: %2").arg(fichero, fallo->causa));
+    }
+    return datos;
 }
 
+// Written whole or not at all; never through a link to another folder or another user's file.
 void guardar(const QString &fichero, const QByteArray &datos)
 {
-    if (QFileInfo(fichero).isDir())
-        throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
-                             QStringLiteral("%1: %2").arg(ErrorEjecucion::DescripcionDe(75), fichero));
-    QSaveFile f(fichero);
-    // Unbuffered, so that a short write is seen here and the old file is kept whole.
-    if (!f.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
-                             QStringLiteral("%1: %2").arg(ErrorEjecucion::DescripcionDe(75), fichero));
-    if (f.write(datos) != datos.size() || !f.commit()) {
-        f.cancelWriting();
-        throw ErrorEjecucion(ErrorEjecucion::ErrorEntradaSalida,
-                             QStringLiteral("%1: %2").arg(ErrorEjecucion::DescripcionDe(57), fichero));
+    if (const auto fallo = GrabarFicheroAtomico(fichero, datos)) {
+        const int numero = fallo->numero == ErrorEjecucion::ErrorEntradaSalida ? ErrorEjecucion::ErrorEntradaSalida
+                                                                              : ErrorEjecucion::AccesoDenegado;
+        throw ErrorEjecucion(numero, QStringLiteral("%1: %2").arg(ErrorEjecucion::DescripcionDe(numero), fichero));
     }
 }
 
@@ -229,13 +224,12 @@ void insertarTras(Ini &ini, qsizetype l, QByteArray nuevo)
 
 } // namespace
 
-QString LeerIni(const QString &fichero, const QString &seccion, const QString &clave,
-                const QString &porOmision)
+QString LeerIniDeTexto(const QByteArray &bytes, const QString &seccion, const QString &clave,
+                       const QString &porOmision)
 {
-    bool existe = false;
-    const Ini ini = analizar(leerBytes(fichero, &existe));
+    const Ini ini = analizar(bytes);
     qsizetype cabecera, ultimo, fin;
-    if (!existe || !ini.seccion(seccion.trimmed(), cabecera, ultimo, fin))
+    if (!ini.seccion(seccion.trimmed(), cabecera, ultimo, fin))
         return porOmision;
     const qsizetype i = ini.clave(cabecera + 1, fin, clave.trimmed());
     if (i < 0)
@@ -246,8 +240,14 @@ QString LeerIni(const QString &fichero, const QString &seccion, const QString &c
     return v;
 }
 
-void GrabarIni(const QString &fichero, const QString &seccion, const QString &clave,
-               const QString &valor)
+QString LeerIni(const QString &fichero, const QString &seccion, const QString &clave,
+                const QString &porOmision)
+{
+    return LeerIniDeTexto(leerBytes(fichero), seccion, clave, porOmision);
+}
+
+QByteArray GrabarIniEnTexto(const QByteArray &bytes, const QString &seccion, const QString &clave,
+                            const QString &valor)
 {
     const QString s = seccion.trimmed(), k = clave.trimmed();
     if (s.isEmpty() || k.isEmpty())
@@ -259,8 +259,7 @@ void GrabarIni(const QString &fichero, const QString &seccion, const QString &cl
         throw ErrorEjecucion(ErrorEjecucion::ArgumentoNoValido);
     comprobarNombre(valor, {});
 
-    bool existe = false;
-    Ini ini = analizar(leerBytes(fichero, &existe));
+    Ini ini = analizar(bytes);
     // A file with nothing but ASCII takes the older programs' code page when the new text fits
     // in it, and UTF-8 otherwise; a file already in one of them keeps it.
     if (ini.ascii)
@@ -285,16 +284,21 @@ void GrabarIni(const QString &fichero, const QString &seccion, const QString &cl
     } else {
         insertarTras(ini, ultimo, ini.codificar(k) + '=' + ini.codificar(valor) + ini.finLinea);
     }
-    guardar(fichero, ini.bytes);
+    return ini.bytes;
 }
 
-void BorrarIni(const QString &fichero, const QString &seccion, const QString &clave)
+void GrabarIni(const QString &fichero, const QString &seccion, const QString &clave,
+               const QString &valor)
 {
-    bool existe = false;
-    Ini ini = analizar(leerBytes(fichero, &existe));
+    guardar(fichero, GrabarIniEnTexto(leerBytes(fichero), seccion, clave, valor));
+}
+
+std::optional<QByteArray> BorrarIniDeTexto(const QByteArray &bytes, const QString &seccion, const QString &clave)
+{
+    Ini ini = analizar(bytes);
     qsizetype cabecera, ultimo, fin;
-    if (!existe || !ini.seccion(seccion.trimmed(), cabecera, ultimo, fin))
-        return;
+    if (!ini.seccion(seccion.trimmed(), cabecera, ultimo, fin))
+        return std::nullopt;
     if (clave.trimmed().isEmpty()) {
         // The header, its keys and comments, and the blank lines after its last key; comments
         // after those belong to what follows.
@@ -308,10 +312,16 @@ void BorrarIni(const QString &fichero, const QString &seccion, const QString &cl
     } else {
         const qsizetype i = ini.clave(cabecera + 1, fin, clave.trimmed());
         if (i < 0)
-            return;
+            return std::nullopt;
         ini.bytes.remove(ini.lineas[i].inicio, ini.lineas[i].siguiente - ini.lineas[i].inicio);
     }
-    guardar(fichero, ini.bytes);
+    return ini.bytes;
+}
+
+void BorrarIni(const QString &fichero, const QString &seccion, const QString &clave)
+{
+    if (const auto nuevo = BorrarIniDeTexto(leerBytes(fichero), seccion, clave))
+        guardar(fichero, *nuevo);
 }
 
 QString FicheroNotas()

@@ -276,6 +276,11 @@ QStringList LeerLineas(const QString &ruta)
         throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
                              QStringLiteral("No se puede leer el fichero %1: %2").arg(ruta, fallo->causa));
     }
+    return LineasDeTexto(bytes);
+}
+
+QStringList LineasDeTexto(const QByteArray &bytes)
+{
 
     QString texto;
     {

@@ -34,7 +34,7 @@ char *MayusculasUtf8(std::string_view texto, char *d)
     while (p < fin) {
         const unsigned char c = *p;
         if (c < 0x80) {
-            *d++ = char(c >= 'a' && c <= 'z' ? c - 32 : c);
+            *d++ = char(c >= 'a' && c <= 'z' ? c - 32 : c == 0 ? ' ' : c);
             ++p;
             continue;
         }
@@ -108,8 +108,6 @@ std::vector<unsigned char> IndiceBusqueda::Buscar(const QString &texto) const
     std::string aguja;
     const QByteArray utf8 = texto.toUtf8();
     MayusculasUtf8(std::string_view(utf8.constData(), std::size_t(utf8.size())), aguja);
-    // A NUL ends a row's text here, so it cannot be part of what is looked for.
-    aguja.erase(std::remove(aguja.begin(), aguja.end(), '\0'), aguja.end());
     std::vector<unsigned char> dentro(m_inicios.size(), aguja.empty() ? 1 : 0);
     if (aguja.empty() || m_inicios.empty())
         return dentro;

@@ -22,21 +22,16 @@ QString conRuta(int numero, const QString &ruta)
 
 void cargar(const QString &ruta, Rejilla &grid)
 {
-    LimpiarVisor(grid);
-    // The table's own column is blanked too when the grid shows it as a fixed column, so that
-    // no element of an earlier table is left below the new ones.
-    if (grid.FixedCols() > 0 && grid.Cols() > 0)
-        for (int fila = grid.FixedRows(); fila < grid.Rows(); ++fila)
-            grid.PonerTextMatrix(fila, 0, QString());
-    if (!Existe(ruta, false))
-        return;
-    // Throws the access error for a path that exists but cannot be read.
-    const QStringList lineas = LeerLineas(ruta);
-    // Grow once for the whole file rather than a row at a time: the same grid in the end.
-    if (lineas.size() + 1 > grid.Rows())
-        grid.PonerRows(int(lineas.size()) + 1);
-    for (qsizetype i = 0; i < lineas.size(); ++i)
-        PonerCelda(grid, int(i) + 1, 0, lineas[i]);
+    // Throws the access error for a path that exists but cannot be read (a folder, a FIFO, no
+    // permission); a missing file is an empty table. Either way the grid is emptied first.
+    QByteArray bytes;
+    const auto fallo = LeerFicheroRegular(ruta, bytes);
+    if (fallo && fallo->numero != ErrorEjecucion::ArchivoNoEncontrado) {
+        TablaDeTexto({}, grid);
+        throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
+                             QStringLiteral("No se puede leer el fichero %1: %2").arg(ruta, fallo->causa));
+    }
+    TablaDeTexto(bytes, grid);
 }
 
 void grabar(const QString &ruta, const Rejilla &grid)
@@ -55,6 +50,22 @@ void grabar(const QString &ruta, const Rejilla &grid)
 }
 
 } // namespace
+
+void TablaDeTexto(const QByteArray &bytes, Rejilla &grid)
+{
+    LimpiarVisor(grid);
+    // The table's own column is blanked too when the grid shows it as a fixed column, so that
+    // no element of an earlier table is left below the new ones.
+    if (grid.FixedCols() > 0 && grid.Cols() > 0)
+        for (int fila = grid.FixedRows(); fila < grid.Rows(); ++fila)
+            grid.PonerTextMatrix(fila, 0, QString());
+    const QStringList lineas = LineasDeTexto(bytes);
+    // Grow once for the whole file rather than a row at a time: the same grid in the end.
+    if (lineas.size() + 1 > grid.Rows())
+        grid.PonerRows(int(lineas.size()) + 1);
+    for (qsizetype i = 0; i < lineas.size(); ++i)
+        PonerCelda(grid, int(i) + 1, 0, lineas[i]);
+}
 
 QStringList ElementosTabla(const Rejilla &Grid)
 {

@@ -5,6 +5,7 @@
 // the hand-offs received by stand-in programs placed on disk (an xdg-open first on PATH, the fax
 // program in the contacts folder), a failed save, and other phone book processes saving the file.
 #include <kvr/comunes.h>
+#include <kvr/buscador.h>
 #include <kvr/contactos.h>
 #include <kvr/mivisor.h>
 #include <kvr/tablas.h>
@@ -143,6 +144,41 @@ private Q_SLOTS:
         QCOMPARE(LeerFicheroContactos(RutaContactos(), g, &motivo).tamano, disco.size());
         QTEST(TextoContactos(g), "grid");
         QTEST(motivo, "motivo");
+    }
+
+    // The search index over rows added from raw UTF-8: a plain substring of the cells joined,
+    // without regard to case, across cells; a NUL reads as a blank, a cut sequence as U+FFFD.
+    void buscar_data()
+    {
+        QTest::addColumn<QString>("texto");
+        QTest::addColumn<QString>("filas"); // the rows found, from 1
+        QTest::newRow("vacío") << QString() << u"1,2,3,4"_qs;
+        QTest::newRow("entre celdas") << u"aló"_qs << u"1"_qs;
+        QTest::newRow("eñe en mayúsculas") << u"PEÑA"_qs << u"2"_qs;
+        QTest::newRow("NUL como blanco") << u"a b"_qs << u"3"_qs;
+        QTest::newRow("secuencia cortada") << u"x\uFFFD"_qs << u"4"_qs;
+        QTest::newRow("nada") << u"zz"_qs << QString();
+    }
+    void buscar()
+    {
+        Rejilla g;
+        CargarVisor(g, DescriptorContactos);
+        const std::string_view filas[][3] = {{"", "Ana", "L\xC3\xB3pez"},
+                                             {"", "pe\xC3\xB1" "a", "1"},
+                                             {"", std::string_view("a\0b", 3), ""},
+                                             {"", "x\xC3", ""}};
+        for (const auto &f : filas)
+            g.AgregarFilaUtf8(f, 3);
+        g.RemoveItem(1); // the blank row of the set-up
+        IndiceBusqueda indice;
+        indice.Construir(g, {ColNombre, ColTelefono, ColFax, ColEmail});
+        QFETCH(QString, texto);
+        const std::vector<unsigned char> dentro = indice.Buscar(texto);
+        QStringList vistas;
+        for (std::size_t i = 0; i < dentro.size(); ++i)
+            if (dentro[i])
+                vistas << QString::number(i + 1);
+        QTEST(vistas.join(u','), "filas");
     }
 
     // Rows are saved sorted by name without regard to case; the text is what iconv gives for the
