@@ -497,8 +497,24 @@ std::vector<Orden> ordenes()
     };
 }
 
+// The connection that asked whether the X server answers. It stays open until Qt has its own: an
+// X server with no other client (Xvfb, a bare session) resets when its last client leaves, and a
+// connection made during the reset fails (Qt then aborted now and then).
+struct SondaX {
+    void (*desconectar)(void *) = nullptr;
+    void *conexion = nullptr;
+    void cerrar()
+    {
+        if (conexion && desconectar)
+            desconectar(conexion);
+        conexion = nullptr;
+    }
+};
+SondaX g_sondaX;
+
 // Whether the X server named by DISPLAY accepts a connection, asked through the same library Qt
-// uses (loaded here only for the question). True when the library is not there: Qt decides then.
+// uses (loaded here only for the question, and left loaded: Qt's X plugin loads it next). True
+// when the library is not there: Qt decides then.
 bool servidorXResponde(const QByteArray &pantalla)
 {
     void *xcb = ::dlopen("libxcb.so.1", RTLD_LAZY | RTLD_LOCAL);
@@ -506,18 +522,15 @@ bool servidorXResponde(const QByteArray &pantalla)
         return true;
     using Conectar = void *(*)(const char *, int *);
     using TieneError = int (*)(void *);
-    using Desconectar = void (*)(void *);
     const auto conectar = reinterpret_cast<Conectar>(::dlsym(xcb, "xcb_connect"));
     const auto tieneError = reinterpret_cast<TieneError>(::dlsym(xcb, "xcb_connection_has_error"));
-    const auto desconectar = reinterpret_cast<Desconectar>(::dlsym(xcb, "xcb_disconnect"));
-    bool responde = true;
-    if (conectar && tieneError && desconectar) {
-        void *c = conectar(pantalla.constData(), nullptr);
-        responde = c && tieneError(c) == 0;
-        if (c)
-            desconectar(c); // a failed connection is an object too, and is freed the same way
-    }
-    ::dlclose(xcb);
+    g_sondaX.desconectar = reinterpret_cast<void (*)(void *)>(::dlsym(xcb, "xcb_disconnect"));
+    if (!conectar || !tieneError || !g_sondaX.desconectar)
+        return true;
+    g_sondaX.conexion = conectar(pantalla.constData(), nullptr);
+    const bool responde = g_sondaX.conexion && tieneError(g_sondaX.conexion) == 0;
+    if (!responde)
+        g_sondaX.cerrar(); // a failed connection is an object too, and is freed the same way
     return responde;
 }
 
@@ -615,6 +628,7 @@ int main(int argc, char *argv[])
         reglas += ';' + suyas;
     qputenv("QT_LOGGING_RULES", reglas);
     QApplication app(argcQt, argvQt.data());
+    g_sondaX.cerrar(); // Qt is connected now
     QApplication::setApplicationName(QStringLiteral("kvr"));
     QApplication::setApplicationVersion(QStringLiteral(KVR_VERSION));
     Activador activador;

@@ -1,4 +1,5 @@
 #include "kvr/copias.h"
+#include "kvr/ficheros.h"
 
 #include "kvr/servicios.h"
 
@@ -13,6 +14,7 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -308,7 +310,7 @@ bool Restauracion::extraer(const Entrada &e, qint64 &hecho, qint64 total)
         }
         if (tmp.write(buf.constData(), n) != n) {
             zip_fclose(f);
-            return fallo(QStringLiteral("No se puede escribir %1: %2.").arg(destino, tmp.errorString()));
+            return fallo(QStringLiteral("No se puede escribir %1: %2.").arg(destino, CausaDeFichero(tmp.error(), errno)));
         }
         hecho += n;
         if (m_aviso && total > 0)
@@ -322,7 +324,7 @@ bool Restauracion::extraer(const Entrada &e, qint64 &hecho, qint64 total)
     if (error != ZIP_ER_OK)
         return fallo(QStringLiteral("La copia %1 está dañada en «%2»: %3.").arg(m_zip, e.nombre, motivo(error)));
     if (!tmp.flush())
-        return fallo(QStringLiteral("No se puede escribir %1: %2.").arg(destino, tmp.errorString()));
+        return fallo(QStringLiteral("No se puede escribir %1: %2.").arg(destino, CausaDeFichero(tmp.error(), errno)));
     if (e.modo)
         tmp.setPermissions(QFileDevice::Permissions::fromInt(
             ((e.modo & 0700) << 6) | ((e.modo & 0700) << 2) | ((e.modo & 070) << 1) | (e.modo & 07)));
