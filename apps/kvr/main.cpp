@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QFile>
 #include <QLabel>
+#include <QLoggingCategory>
 #include <QSocketNotifier>
 #include <QTimer>
 
@@ -621,12 +622,10 @@ int main(int argc, char *argv[])
         escribir(stderr, QStringLiteral("kvr %1: no hay pantalla donde abrir la ventana (%2)\n").arg(a.orden, motivo));
         return ErrorUso;
     }
-    // The web engine's own progress notes stay quiet unless the user's rules (which come after
-    // ours, and so win) ask for them.
-    QByteArray reglas = "qt.webenginecontext.debug=false;qt.webenginecontext.info=false";
-    if (const QByteArray suyas = qgetenv("QT_LOGGING_RULES"); !suyas.isEmpty())
-        reglas += ';' + suyas;
-    qputenv("QT_LOGGING_RULES", reglas);
+    // The web engine's own progress notes stay quiet. Rules set here come before the user's
+    // (QT_LOGGING_RULES and the logging configuration files are applied after them), so a user
+    // who asks for the notes still gets them.
+    QLoggingCategory::setFilterRules(QStringLiteral("qt.webenginecontext.debug=false\nqt.webenginecontext.info=false"));
     QApplication app(argcQt, argvQt.data());
     g_sondaX.cerrar(); // Qt is connected now
     QApplication::setApplicationName(QStringLiteral("kvr"));
