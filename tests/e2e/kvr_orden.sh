@@ -136,7 +136,7 @@ echo '<html><body>Ayuda</body></html>' > "$tmp/ayuda.html"
 QTWEBENGINE_CHROMIUM_FLAGS="--no-sandbox --disable-gpu" lanzar ayuda "file://$tmp/ayuda.html" --timeout 3; terminar
 comprobar "ayuda web, tiempo agotado" 5 ""
 if grep -q "qt.webenginecontext" "$tmp/error"; then echo "FALLO  notas del motor web: $(head -c 300 "$tmp/error")"; fallos=$((fallos + 1)); fi
-lanzar mensaje "¿Alguien?" --titulo "Sin respuesta" --timeout 0.5; terminar; comprobar "mensaje, tiempo agotado" 5 ""
+lanzar mensaje "¿Alguien?" --titulo "Sin respuesta" --timeout 0.5; terminar; comprobar "mensaje, tiempo agotado" 5 0
 
 # Table editor: the grid has the focus; Tab to the field, a new element, Enter to "Aceptar"
 # (the focus goes back to the field), Tab Tab to "Grabar", Tab to "Salir".
