@@ -9,6 +9,8 @@
 #include <QList>
 #include <QStringDecoder>
 
+#include <algorithm>
+
 
 namespace kvr {
 
@@ -262,8 +264,16 @@ QByteArray GrabarIniEnTexto(const QByteArray &bytes, const QString &seccion, con
     Ini ini = analizar(bytes);
     // A file with nothing but ASCII takes the older programs' code page when the new text fits
     // in it, and UTF-8 otherwise; a file already in one of them keeps it.
-    if (ini.ascii)
-        ini.utf8 = !cabeEnAnsi(s + k + valor);
+    // But when the new text's Windows-1252 bytes happen to be valid UTF-8 ("Æˆ" is C6 88, which
+    // is UTF-8 for "ƈ"), the file would read back as UTF-8 and its new names could not be found:
+    // it is written in UTF-8 then.
+    if (ini.ascii) {
+        const QByteArray ansi = aAnsi(s + u' ' + k + u' ' + valor);
+        QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+        (void)QString(utf8.decode(ansi)); // decodes on the conversion
+        const bool ambiguo = !utf8.hasError() && std::any_of(ansi.begin(), ansi.end(), [](char c) { return uchar(c) >= 0x80; });
+        ini.utf8 = !cabeEnAnsi(s + k + valor) || ambiguo;
+    }
     // A value Windows-1252 cannot hold loses those characters, as on the desktop; a name that
     // lost them could not be found again.
     else if (!ini.utf8 && !cabeEnAnsi(s + k))

@@ -106,6 +106,25 @@ private:
     QString ruta(const QString &r) const { return m_dir.filePath(r); }
 
 private Q_SLOTS:
+    // A name written into an ASCII file is found again: in Windows-1252 when it fits and its
+    // bytes cannot pass for UTF-8, in UTF-8 otherwise.
+    void iniNombreNuevo_data()
+    {
+        QTest::addColumn<QString>("seccion");
+        QTest::addColumn<QByteArray>("cabecera"); // the section's line as written
+        QTest::newRow("Windows-1252") << u"Año"_qs << QByteArray("[A\xF1o]");
+        QTest::newRow("bytes que parecen UTF-8") << u"Æˆ"_qs << QByteArray("[\xC3\x86\xCB\x86]");
+        QTest::newRow("fuera de Windows-1252") << u"Ωmega"_qs << QByteArray("[\xCE\xA9mega]");
+    }
+    void iniNombreNuevo()
+    {
+        QFETCH(QString, seccion);
+        const QByteArray texto = GrabarIniEnTexto("; notas\r\n", seccion, u"b"_qs, u"v"_qs);
+        QFETCH(QByteArray, cabecera);
+        QVERIFY2(texto.contains(cabecera), texto.constData());
+        QCOMPARE(LeerIniDeTexto(texto, seccion, u"b"_qs), u"v"_qs);
+    }
+
     void initTestCase()
     {
         const QString d = m_origen + u"/datos"_qs;
