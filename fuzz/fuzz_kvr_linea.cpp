@@ -16,7 +16,7 @@ using namespace kvr::orden;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t tam)
 {
-    static const Especificacion e{QStringLiteral("entrada"),
+    static const ReglasOrden e{QStringLiteral("entrada"),
                                   {QStringLiteral("tag"), QStringLiteral("lista"), QStringLiteral("titulo")},
                                   {QStringLiteral("numero")}, 1, 2, true};
     QStringList palabras;

@@ -6,7 +6,7 @@
 
 namespace kvr::orden {
 
-Lectura LeerLinea(const QStringList &palabras, const Especificacion &e)
+Lectura LeerLinea(const QStringList &palabras, const ReglasOrden &e)
 {
     Lectura r;
     Argumentos &a = r.argumentos;

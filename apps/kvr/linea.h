@@ -10,7 +10,7 @@
 namespace kvr::orden {
 
 // What an order accepts on its line.
-struct Especificacion {
+struct ReglasOrden {
     QString nombre;
     QStringList conValor;  // options that take a value
     QStringList banderas;  // options without one
@@ -41,7 +41,7 @@ struct Lectura {
 
 // Reads the words after the order's name: "--name value", "--name=value", flags, "--" before
 // positional words that begin with "--", and the counts of positional arguments.
-Lectura LeerLinea(const QStringList &palabras, const Especificacion &e);
+Lectura LeerLinea(const QStringList &palabras, const ReglasOrden &e);
 
 // An amount as people write it: "1234,56", "1234.56", "1.234,56", "1,234.56", "1.234.567". When
 // both marks appear the last one is the decimal one and the other groups thousands (in groups of

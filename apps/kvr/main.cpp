@@ -32,7 +32,7 @@ constexpr int TiempoAgotado = 5;
 using kvr::orden::Argumentos;
 
 struct Orden {
-    kvr::orden::Especificacion especificacion;
+    kvr::orden::ReglasOrden reglas;
     const char *ayuda; // shown by "kvr ORDEN --help"
     std::function<int(Argumentos &)> ejecutar;
 };
@@ -572,13 +572,13 @@ int main(int argc, char *argv[])
     const std::vector<Orden> lista = ordenes();
     const Orden *orden = nullptr;
     for (const Orden &o : lista) {
-        if (args[0] == o.especificacion.nombre)
+        if (args[0] == o.reglas.nombre)
             orden = &o;
     }
     if (!orden)
         return errorUso({}, QStringLiteral("orden desconocida «%1»").arg(args[0]));
 
-    const kvr::orden::Lectura lectura = kvr::orden::LeerLinea(args.mid(1), orden->especificacion);
+    const kvr::orden::Lectura lectura = kvr::orden::LeerLinea(args.mid(1), orden->reglas);
     if (lectura.ayuda) {
         escribir(stdout, QString::fromUtf8(orden->ayuda));
         return 0;
@@ -614,7 +614,7 @@ int main(int argc, char *argv[])
     static int argcQt = int(argvQt.size());
     argvQt.push_back(nullptr);
 
-    if (!orden->especificacion.ventana) {
+    if (!orden->reglas.ventana) {
         QCoreApplication app(argcQt, argvQt.data());
         return orden->ejecutar(a);
     }

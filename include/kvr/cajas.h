@@ -18,6 +18,9 @@ enum CodigoCaja : int {
     CajaIgnorar = 5, CajaSi = 6, CajaNo = 7,
 };
 
+// The question a window asks before it closes over changes that are not saved.
+inline const QString TextoSalirSinGrabar = QStringLiteral("Datos han sido modificados.;;¿ Desea salir sin grabar ?");
+
 // The character between the lower and the upper bound of a range text ("ƒ", U+0192: the byte
 // 131 of the Windows Western code page).
 inline constexpr char16_t SeparadorRango = u'\u0192';

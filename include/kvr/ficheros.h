@@ -56,6 +56,11 @@ struct FalloFichero {
 std::optional<FalloFichero> LeerFicheroRegular(const QString &ruta, QByteArray &datos,
                                                SelloFichero *sello = nullptr);
 
+// The bytes of a regular file for the runtime's text files (tables, lists, INI files): empty when
+// there is no file; anything else that cannot be read throws ErrorEjecucion 75 "No se puede leer
+// el fichero <ruta>: <cause>".
+QByteArray LeerFicheroOVacio(const QString &ruta);
+
 // Writes `datos` over the file at `ruta` atomically: into a temporary file of the same folder,
 // synced, then renamed over the old one, which stays whole until then. The new file keeps the old
 // one's permission bits (a new file gets the usual ones less the umask).
@@ -68,6 +73,11 @@ std::optional<FalloFichero> LeerFicheroRegular(const QString &ruta, QByteArray &
 // same name left by a save that was killed, when they belong to the user and are over a minute
 // old, are removed by the next save; no other file is ever removed.
 std::optional<FalloFichero> GrabarFicheroAtomico(const QString &ruta, QByteArrayView datos);
+
+// GrabarFicheroAtomico for the runtime's text files: a failure throws the runtime's own error for
+// the path, as a failed write of the desktop runtime does: 76 "No se ha encontrado la ruta de
+// acceso: <ruta>" for a missing folder, otherwise 57 or 75 "<their description>: <ruta>".
+void GrabarFicheroTexto(const QString &ruta, QByteArrayView datos);
 
 // The pattern of the temporary files GrabarFicheroAtomico makes for a file name.
 QString PatronTemporal(const QString &nombre);

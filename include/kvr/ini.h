@@ -19,8 +19,8 @@ QString LeerIni(const QString &fichero, const QString &seccion, const QString &c
 // at the end of the file, when missing. A section name holding "]", a key holding "=" or
 // beginning with ";" or "[", a line break in any of them, or a name that a Windows-1252 file
 // cannot hold: ErrorEjecucion 5 (in a value such characters become "?", as the desktop writes
-// them). File errors: ErrorEjecucion 75 or 57; a folder, FIFO or device in the file's place, or a
-// link out of its folder, is refused (75).
+// them). File errors: ErrorEjecucion 75 or 57 (76 for a missing folder); a folder, FIFO or device
+// in the file's place, or a link out of its folder, is refused (75).
 void GrabarIni(const QString &fichero, const QString &seccion, const QString &clave,
                const QString &valor);
 // Removes `clave` from `seccion`; with no key, the whole section. Nothing to remove does nothing.

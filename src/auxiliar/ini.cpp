@@ -180,30 +180,6 @@ Ini analizar(QByteArray bytes)
     return ini;
 }
 
-// The file's bytes; a file that is not there reads as empty. A folder, a FIFO or a device in its
-// place is refused (a FIFO would block).
-QByteArray leerBytes(const QString &fichero)
-{
-    QByteArray datos;
-    if (const auto fallo = LeerFicheroRegular(fichero, datos)) {
-        if (fallo->numero == ErrorEjecucion::ArchivoNoEncontrado)
-            return {};
-        throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
-                             QStringLiteral("No se puede leer el fichero %1: %2").arg(fichero, fallo->causa));
-    }
-    return datos;
-}
-
-// Written whole or not at all; never through a link to another folder or another user's file.
-void guardar(const QString &fichero, const QByteArray &datos)
-{
-    if (const auto fallo = GrabarFicheroAtomico(fichero, datos)) {
-        const int numero = fallo->numero == ErrorEjecucion::ErrorEntradaSalida ? ErrorEjecucion::ErrorEntradaSalida
-                                                                              : ErrorEjecucion::AccesoDenegado;
-        throw ErrorEjecucion(numero, QStringLiteral("%1: %2").arg(ErrorEjecucion::DescripcionDe(numero), fichero));
-    }
-}
-
 void comprobarNombre(const QString &s, QStringView prohibidos)
 {
     for (QChar c : s)
@@ -245,7 +221,7 @@ QString LeerIniDeTexto(const QByteArray &bytes, const QString &seccion, const QS
 QString LeerIni(const QString &fichero, const QString &seccion, const QString &clave,
                 const QString &porOmision)
 {
-    return LeerIniDeTexto(leerBytes(fichero), seccion, clave, porOmision);
+    return LeerIniDeTexto(LeerFicheroOVacio(fichero), seccion, clave, porOmision);
 }
 
 QByteArray GrabarIniEnTexto(const QByteArray &bytes, const QString &seccion, const QString &clave,
@@ -300,7 +276,7 @@ QByteArray GrabarIniEnTexto(const QByteArray &bytes, const QString &seccion, con
 void GrabarIni(const QString &fichero, const QString &seccion, const QString &clave,
                const QString &valor)
 {
-    guardar(fichero, GrabarIniEnTexto(leerBytes(fichero), seccion, clave, valor));
+    GrabarFicheroTexto(fichero, GrabarIniEnTexto(LeerFicheroOVacio(fichero), seccion, clave, valor));
 }
 
 std::optional<QByteArray> BorrarIniDeTexto(const QByteArray &bytes, const QString &seccion, const QString &clave)
@@ -330,8 +306,8 @@ std::optional<QByteArray> BorrarIniDeTexto(const QByteArray &bytes, const QStrin
 
 void BorrarIni(const QString &fichero, const QString &seccion, const QString &clave)
 {
-    if (const auto nuevo = BorrarIniDeTexto(leerBytes(fichero), seccion, clave))
-        guardar(fichero, *nuevo);
+    if (const auto nuevo = BorrarIniDeTexto(LeerFicheroOVacio(fichero), seccion, clave))
+        GrabarFicheroTexto(fichero, *nuevo);
 }
 
 QString FicheroNotas()

@@ -15,7 +15,6 @@
 #include "kvr/visorrejilla.h"
 
 #include <QApplication>
-
 #include <QColorDialog>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -23,9 +22,9 @@
 #include <QPointer>
 #include <QScrollArea>
 #include <QScreen>
+#include <QWindow>
 
 #include <limits>
-#include <QWindow>
 
 namespace kvr {
 

@@ -269,14 +269,7 @@ QString FormatoFijo(double valor, int ancho, const QString &formato)
 QStringList LeerLineas(const QString &ruta)
 {
     // A folder, a FIFO or a device is refused before it is opened: a FIFO would block.
-    QByteArray bytes;
-    if (const auto fallo = LeerFicheroRegular(ruta, bytes)) {
-        if (fallo->numero == ErrorEjecucion::ArchivoNoEncontrado)
-            return {};
-        throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
-                             QStringLiteral("No se puede leer el fichero %1: %2").arg(ruta, fallo->causa));
-    }
-    return LineasDeTexto(bytes);
+    return LineasDeTexto(LeerFicheroOVacio(ruta));
 }
 
 QStringList LineasDeTexto(const QByteArray &bytes)

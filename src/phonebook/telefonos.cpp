@@ -37,7 +37,6 @@ const QString TextoModificado = QStringLiteral("Fichero de contactos fué modifi
 const QString TextoOcupado = QStringLiteral(
     "El fichero de contactos lo está grabando otro programa.;;Su cambio sigue en la lista y se grabará con el próximo.");
 const QString TextoBorrar = QStringLiteral("¿ Confirma que desea ELIMINAR el contacto seleccionado ?");
-const QString TextoSalir = QStringLiteral("Datos han sido modificados.;;¿ Desea salir sin grabar ?");
 const QString TextoFila1 = QStringLiteral(
     "La primera fila de la lista tiene datos, aunque no tiene nombre.;;¿ Desea escribir el contacto nuevo "
     "sobre ella ?;;(No: se añade como contacto nuevo.)");
@@ -153,7 +152,7 @@ void Telefonos::closeEvent(QCloseEvent *evento)
 {
     // A contact typed while the file could not be written (busy, read-only, full disk) is only in
     // this window: leaving would lose it, so the user is asked, "No" first.
-    if (m_sinGrabar && int(MyMsgBox(TextoSalir, QString(), IconoPregunta, 3, 2)) != 6) {
+    if (m_sinGrabar && int(MyMsgBox(TextoSalirSinGrabar, QString(), IconoPregunta, 3, 2)) != CajaSi) {
         evento->ignore();
         return;
     }
@@ -361,7 +360,7 @@ void Telefonos::cmdNuevo_Click()
         bool conDatos = false;
         for (int c = 0; c < grid().Cols(); ++c)
             conDatos = conDatos || !LeerCelda(grid(), 1, c).isEmpty();
-        if (conDatos && int(MyMsgBox(TextoFila1, QString(), IconoPregunta, 3, 2)) != 6)
+        if (conDatos && int(MyMsgBox(TextoFila1, QString(), IconoPregunta, 3, 2)) != CajaSi)
             indice = grid().Rows();
     }
     ui->Indice->setText(QString::number(indice));
@@ -423,7 +422,7 @@ void Telefonos::cmdCancelar_Click()
 void Telefonos::cmdBorrar_Click()
 {
     // "No" is the initial button: a slip of Enter deletes nothing.
-    if (int(MyMsgBox(TextoBorrar, QString(), IconoPregunta, 3, 2)) != 6)
+    if (int(MyMsgBox(TextoBorrar, QString(), IconoPregunta, 3, 2)) != CajaSi)
         return;
     Moviendo moviendo(m_moviendo);
     QuitarFilaVisor(grid(), grid().Row());

@@ -263,6 +263,26 @@ std::optional<FalloFichero> LeerFicheroRegular(const QString &ruta, QByteArray &
     return std::nullopt;
 }
 
+QByteArray LeerFicheroOVacio(const QString &ruta)
+{
+    QByteArray datos;
+    if (const auto fallo = LeerFicheroRegular(ruta, datos); fallo && fallo->numero != ErrorEjecucion::ArchivoNoEncontrado)
+        throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
+                             QStringLiteral("No se puede leer el fichero %1: %2").arg(ruta, fallo->causa));
+    return datos;
+}
+
+void GrabarFicheroTexto(const QString &ruta, QByteArrayView datos)
+{
+    if (const auto fallo = GrabarFicheroAtomico(ruta, datos)) {
+        if (fallo->numero == RutaNoEncontrada)
+            throw ErrorEjecucion(RutaNoEncontrada, QStringLiteral("No se ha encontrado la ruta de acceso: %1").arg(ruta));
+        const int numero = fallo->numero == ErrorEjecucion::ErrorEntradaSalida ? ErrorEjecucion::ErrorEntradaSalida
+                                                                              : ErrorEjecucion::AccesoDenegado;
+        throw ErrorEjecucion(numero, QStringLiteral("%1: %2").arg(ErrorEjecucion::DescripcionDe(numero), ruta));
+    }
+}
+
 QString PatronTemporal(const QString &nombre)
 {
     return u'.' + nombre + QStringLiteral(".kvr-??????.tmp");

@@ -197,7 +197,7 @@ bool frmTablas::puedeSalir()
 {
     if (!Modificado())
         return true;
-    const float r = MyMsgBox(QStringLiteral("Datos han sido modificados.;;¿ Desea salir sin grabar ?"),
+    const float r = MyMsgBox(TextoSalirSinGrabar,
                              QString(), IconoAdvertencia, 2, 2, -1, -1, this);
     // "Aceptar" leaves without saving; "Cancelar" stays, and so does a box closed with Escape
     // (no button, 0): backing out of the question must not throw the changes away.

@@ -15,38 +15,25 @@ namespace kvr {
 
 namespace {
 
-QString conRuta(int numero, const QString &ruta)
-{
-    return QStringLiteral("%1: %2").arg(ErrorEjecucion::DescripcionDe(numero), ruta);
-}
-
 void cargar(const QString &ruta, Rejilla &grid)
 {
-    // Throws the access error for a path that exists but cannot be read (a folder, a FIFO, no
-    // permission); a missing file is an empty table. Either way the grid is emptied first.
+    // A missing file is an empty table; one that cannot be read (a folder, a FIFO, no permission)
+    // throws the access error. Either way the grid is emptied first.
     QByteArray bytes;
-    const auto fallo = LeerFicheroRegular(ruta, bytes);
-    if (fallo && fallo->numero != ErrorEjecucion::ArchivoNoEncontrado) {
+    try {
+        bytes = LeerFicheroOVacio(ruta);
+    } catch (const ErrorEjecucion &) {
         TablaDeTexto({}, grid);
-        throw ErrorEjecucion(ErrorEjecucion::AccesoDenegado,
-                             QStringLiteral("No se puede leer el fichero %1: %2").arg(ruta, fallo->causa));
+        throw;
     }
     TablaDeTexto(bytes, grid);
 }
 
 void grabar(const QString &ruta, const Rejilla &grid)
 {
-    const QByteArray datos = TextoTabla(ElementosTabla(grid));
     // Written whole or not at all; a folder, a FIFO or a link out of the table's folder in the
-    // file's place is refused. The caller gets the runtime's own error for the path.
-    if (const auto fallo = GrabarFicheroAtomico(ruta, datos)) {
-        if (fallo->numero == ErrorRutaNoEncontrada)
-            throw ErrorEjecucion(ErrorRutaNoEncontrada,
-                                 QStringLiteral("No se ha encontrado la ruta de acceso: %1").arg(ruta));
-        const int numero = fallo->numero == ErrorEjecucion::ErrorEntradaSalida ? ErrorEjecucion::ErrorEntradaSalida
-                                                                              : ErrorEjecucion::AccesoDenegado;
-        throw ErrorEjecucion(numero, conRuta(numero, ruta));
-    }
+    // file's place is refused.
+    GrabarFicheroTexto(ruta, TextoTabla(ElementosTabla(grid)));
 }
 
 } // namespace
