@@ -6,8 +6,9 @@
 #   ./kvr.sh build   installs what is missing and builds (no tests)
 #   ./kvr.sh bench   builds and runs the benchmarks in bench/
 #   ./kvr.sh capturas  pictures of every window into docs/capturas/ (1x and 2x)
-#   ./kvr.sh analisis  clang-tidy and clazy over both libraries and the programs; fails on any
-#                    finding (the checks and why some are left out: .clang-tidy, and below)
+#   ./kvr.sh analisis  the include ladder (tools/escalera.py), then clang-tidy and clazy over
+#                    both libraries and the programs; fails on any finding (the checks and why
+#                    some are left out: .clang-tidy, and below)
 #   ./kvr.sh cobertura  builds the coverage preset, runs every suite and prints the line and
 #                    branch coverage of libkvr_core and libkvr
 set -euo pipefail
@@ -59,6 +60,8 @@ con_pantalla() {
 # constant tables of texts built at load time (.clang-tidy says why for its twin, cert-err58-cpp).
 analisis() {
   local fuentes informe
+  echo "== Escalera de inclusiones"
+  python3 tools/escalera.py
   mapfile -t fuentes < <(python3 -c '
 import json, sys
 for e in json.load(open("build/default/compile_commands.json")):

@@ -3,7 +3,7 @@
 // 50 MB data file of records, some thousand small text files under accented folder names, and a
 // few already-compressed documents. Both sides deflate at level 6 and write to the same disk;
 // each figure is the best of three rounds. Goal: the backup takes at most 1.2 times zip's time.
-#include <kvr/copias.h>
+#include <kvr/zip.h>
 #include <kvr/servicios.h>
 
 #include <QCoreApplication>

@@ -5,6 +5,7 @@
 #include <kvr/numeros.h>
 #include <kvr/servicios.h>
 #include <kvr/tags.h>
+#include <kvr/teclas.h>
 #include <kvr/valores.h>
 
 #include <QLocale>

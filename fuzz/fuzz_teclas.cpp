@@ -1,7 +1,7 @@
 // Random text through the send-keys parser: any text either parses or raises run-time error 5,
 // and any text made literal parses into exactly one key per character, typing that character.
 #include <kvr/error.h>
-#include <kvr/teclasnombre.h>
+#include <kvr/analisisteclas.h>
 
 #include <cstdint>
 #include <cstdlib>

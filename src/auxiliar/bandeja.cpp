@@ -1,6 +1,6 @@
-#include "kvr/bandeja.h"
+#include <kvr/bandeja.h>
 
-#include "kvr/utilidades.h"
+#include <kvr/utilidades.h>
 
 #include <QApplication>
 #include <QMenu>

@@ -1,6 +1,6 @@
-#include "kvr/identificacion.h"
+#include <kvr/identificacion.h>
 
-#include "kvr/valores.h"
+#include <kvr/valores.h>
 
 namespace kvr {
 

@@ -1,8 +1,7 @@
-#include "kvr/ini.h"
+#include <kvr/ini.h>
 
-#include "kvr/contactos.h"
-#include "kvr/error.h"
-#include "kvr/ficheros.h"
+#include <kvr/error.h>
+#include <kvr/ficheros.h>
 
 #include <QFile>
 #include <QFileInfo>

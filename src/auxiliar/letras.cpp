@@ -1,6 +1,6 @@
-#include "kvr/letras.h"
+#include <kvr/letras.h>
 
-#include "kvr/error.h"
+#include <kvr/error.h>
 
 #include <QStringList>
 

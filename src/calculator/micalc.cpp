@@ -1,13 +1,13 @@
-#include "kvr/micalc.h"
+#include <kvr/micalc.h>
 #include "ui_micalc.h"
 
-#include "kvr/error.h"
-#include "kvr/escala.h"
-#include "kvr/impresora.h"
-#include "kvr/layout.h"
-#include "kvr/servicios.h"
-#include "kvr/teclasnombre.h"
-#include "kvr/utilidades.h"
+#include <kvr/error.h>
+#include <kvr/escala.h>
+#include <kvr/impresora.h>
+#include <kvr/layout.h>
+#include <kvr/servicios.h>
+#include <kvr/teclasnombre.h>
+#include <kvr/utilidades.h>
 
 #include <QApplication>
 #include <QClipboard>

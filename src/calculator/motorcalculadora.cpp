@@ -1,6 +1,6 @@
-#include "kvr/motorcalculadora.h"
-#include "kvr/error.h"
-#include "kvr/numeros.h"
+#include <kvr/motorcalculadora.h>
+#include <kvr/error.h>
+#include <kvr/numeros.h>
 
 #include <cmath>
 

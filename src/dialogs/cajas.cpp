@@ -1,10 +1,10 @@
-#include "kvr/cajas.h"
+#include <kvr/cajas.h>
 
-#include "kvr/error.h"
-#include "kvr/fechas.h"
-#include "kvr/numeros.h"
-#include "kvr/tags.h"
-#include "kvr/valores.h"
+#include <kvr/error.h>
+#include <kvr/fechas.h>
+#include <kvr/numeros.h>
+#include <kvr/tags.h>
+#include <kvr/valores.h>
 
 namespace kvr {
 

@@ -1,18 +1,18 @@
 // The runtime's modal box: message, buttons, icon, the input, range and list questions, the
 // viewer grid and its colour swatch, the help button and dragging by the free surface.
-#include "kvr/mybox.h"
+#include <kvr/mybox.h>
 #include "ui_mybox.h"
 
-#include "kvr/campos.h"
-#include "kvr/comunes.h"
-#include "kvr/error.h"
-#include "kvr/layout.h"
-#include "kvr/minihelp.h"
-#include "kvr/mivisor.h"
-#include "kvr/servicios.h"
-#include "kvr/utilidades.h"
-#include "kvr/valores.h"
-#include "kvr/visorrejilla.h"
+#include <kvr/campos.h>
+#include <kvr/comunes.h>
+#include <kvr/error.h>
+#include <kvr/layout.h>
+#include <kvr/minihelp.h>
+#include <kvr/mivisor.h>
+#include <kvr/servicios.h>
+#include <kvr/utilidades.h>
+#include <kvr/valores.h>
+#include <kvr/visorrejilla.h>
 
 #include <QApplication>
 #include <QColorDialog>

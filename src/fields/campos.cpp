@@ -1,13 +1,14 @@
 // The widget side of the field routines: one event filter turns focus in, key presses and focus
 // out of QLineEdit, QComboBox and QCheckBox into CampoGotFocus, CampoKeyPress and
 // CampoLostFocus. The decisions themselves are made by the logic library.
-#include "kvr/campos.h"
-#include "kvr/error.h"
-#include "kvr/numeros.h"
-#include "kvr/servicios.h"
-#include "kvr/tags.h"
-#include "kvr/teclasnombre.h"
-#include "kvr/valores.h"
+#include <kvr/campos.h>
+#include <kvr/error.h>
+#include <kvr/numeros.h>
+#include <kvr/servicios.h>
+#include <kvr/tags.h>
+#include <kvr/teclas.h>
+#include <kvr/teclasnombre.h>
+#include <kvr/valores.h>
 
 #include <QApplication>
 #include <QCheckBox>

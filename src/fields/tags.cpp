@@ -1,6 +1,6 @@
-#include "kvr/tags.h"
-#include "kvr/error.h"
-#include "kvr/servicios.h"
+#include <kvr/tags.h>
+#include <kvr/error.h>
+#include <kvr/servicios.h>
 
 namespace kvr {
 

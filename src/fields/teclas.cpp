@@ -1,8 +1,9 @@
 // The keystroke rules of data-entry fields: which characters a field accepts, which it changes
 // and when the focus moves on.
-#include "kvr/numeros.h"
-#include "kvr/tags.h"
-#include "kvr/valores.h"
+#include <kvr/numeros.h>
+#include <kvr/tags.h>
+#include <kvr/teclas.h>
+#include <kvr/valores.h>
 
 namespace kvr {
 

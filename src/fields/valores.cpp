@@ -1,9 +1,9 @@
-#include "kvr/valores.h"
-#include "kvr/error.h"
-#include "kvr/fechas.h"
-#include "kvr/numeros.h"
-#include "kvr/servicios.h"
-#include "kvr/tags.h"
+#include <kvr/valores.h>
+#include <kvr/error.h>
+#include <kvr/fechas.h>
+#include <kvr/numeros.h>
+#include <kvr/servicios.h>
+#include <kvr/tags.h>
 
 #include <cmath>
 

@@ -1,10 +1,10 @@
-#include "kvr/mivisor.h"
+#include <kvr/mivisor.h>
 
-#include "kvr/comunes.h"
-#include "kvr/escala.h"
-#include "kvr/fechas.h"
-#include "kvr/numeros.h"
-#include "kvr/servicios.h"
+#include <kvr/comunes.h>
+#include <kvr/escala.h>
+#include <kvr/fechas.h>
+#include <kvr/numeros.h>
+#include <kvr/servicios.h>
 
 #include <QLocale>
 

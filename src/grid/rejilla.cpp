@@ -1,6 +1,6 @@
-#include "kvr/rejilla.h"
+#include <kvr/rejilla.h>
 
-#include "kvr/error.h"
+#include <kvr/error.h>
 
 #include <QStringDecoder>
 #include <QStringList>

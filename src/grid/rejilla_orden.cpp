@@ -8,9 +8,9 @@
 // letters without accents or case (n < ñ < o, á sorts with a), then accents, then case
 // (lower case first). Trailing neutral weights of the second and third levels are dropped, so a
 // plain lower-case ASCII text has a one-level key.
-#include "kvr/rejilla.h"
+#include <kvr/rejilla.h>
 
-#include "kvr/numeros.h"
+#include <kvr/numeros.h>
 
 #include <QChar>
 

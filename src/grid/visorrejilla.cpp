@@ -1,7 +1,7 @@
-#include "kvr/visorrejilla.h"
+#include <kvr/visorrejilla.h>
 
-#include "kvr/escala.h"
-#include "kvr/numeros.h"
+#include <kvr/escala.h>
+#include <kvr/numeros.h>
 
 #include <QApplication>
 #include <QHeaderView>

@@ -1,5 +1,5 @@
-#include "kvr/rtimekvr.h"
-#include "kvr/servicios.h"
+#include <kvr/rtimekvr.h>
+#include <kvr/servicios.h>
 
 #include <QCalendarWidget>
 #include <QCheckBox>

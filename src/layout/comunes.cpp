@@ -1,9 +1,9 @@
 // Shared routines without widgets: the DOS code page, file existence, number formatters for
 // grids and reports, reading a text file by lines and list texts.
-#include "kvr/comunes.h"
-#include "kvr/error.h"
-#include "kvr/ficheros.h"
-#include "kvr/numeros.h"
+#include <kvr/comunes.h>
+#include <kvr/error.h>
+#include <kvr/ficheros.h>
+#include <kvr/numeros.h>
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "kvr/escala.h"
+#include <kvr/escala.h>
 
 #include <cmath>
 

@@ -1,8 +1,8 @@
 // The proportional layout on real widgets: the window, its controls' geometry, fonts and grid
 // columns, scaled by the factors of escala.cpp.
-#include "kvr/layout.h"
-#include "kvr/campos.h"
-#include "kvr/escala.h"
+#include <kvr/layout.h>
+#include <kvr/campos.h>
+#include <kvr/escala.h>
 
 #include <QCalendarWidget>
 #include <QComboBox>

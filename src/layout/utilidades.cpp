@@ -1,7 +1,7 @@
 // Shared routines on widgets: focus, global keys, runtime windows by name, the printer index,
 // the mouse-wheel redirection and drop-down lists filled from list texts.
-#include "kvr/utilidades.h"
-#include "kvr/comunes.h"
+#include <kvr/utilidades.h>
+#include <kvr/comunes.h>
 
 #include <QAbstractScrollArea>
 #include <QApplication>

@@ -1,8 +1,8 @@
-#include "kvr/minihelp.h"
-#include "kvr/utilidades.h"
+#include <kvr/minihelp.h>
+#include <kvr/utilidades.h>
 
-#include "kvr/layout.h"
-#include "kvr/rtfdocumento.h"
+#include <kvr/layout.h>
+#include <kvr/rtfdocumento.h>
 #include "tiraversion.h"
 #include "ui_minihelp.h"
 

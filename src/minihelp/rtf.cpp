@@ -1,6 +1,6 @@
 // The RTF reader: one pass over the bytes with a stack of group states. Every step moves forward
 // by at least one byte, so the reading ends; the stack is capped, so memory follows the input.
-#include "kvr/rtf.h"
+#include <kvr/rtf.h>
 
 #include <QStringDecoder>
 

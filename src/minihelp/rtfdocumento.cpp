@@ -1,7 +1,7 @@
 // Builds a QTextDocument from the reader's paragraphs and runs.
-#include "kvr/rtfdocumento.h"
+#include <kvr/rtfdocumento.h>
 
-#include "kvr/error.h"
+#include <kvr/error.h>
 
 #include <QColor>
 #include <QFile>

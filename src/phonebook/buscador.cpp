@@ -1,4 +1,4 @@
-#include "kvr/buscador.h"
+#include <kvr/buscador.h>
 
 #include <QChar>
 

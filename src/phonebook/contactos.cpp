@@ -1,15 +1,14 @@
-#include "kvr/contactos.h"
+#include <kvr/contactos.h>
 
-#include "kvr/comunes.h"
-#include "kvr/error.h"
-#include "kvr/mivisor.h"
-#include "kvr/tablas.h"
+#include <kvr/comunes.h>
+#include <kvr/error.h>
+#include <kvr/mivisor.h>
+#include <kvr/tablas.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
-#include <QStandardPaths>
 
 #include <cstring>
 #include <string>
@@ -36,25 +35,6 @@ QString textoError(const QString &ruta, const QString &causa)
 constexpr std::string_view CabeceraDos = "\tNombre\tTel\x82" "fono\tFax\teMail";
 
 } // namespace
-
-QString CarpetaContactos()
-{
-    QString carpeta = qEnvironmentVariable("TLF");
-    if (carpeta.isEmpty()) {
-        carpeta = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-        if (carpeta.isEmpty())
-            carpeta = QDir::homePath() + QStringLiteral("/.local/share");
-        carpeta += QStringLiteral("/kvr");
-    }
-    if (!carpeta.endsWith(u'/'))
-        carpeta += u'/';
-    return carpeta;
-}
-
-bool CarpetaContactosDeTLF()
-{
-    return !qEnvironmentVariableIsEmpty("TLF");
-}
 
 QString RutaContactos()
 {

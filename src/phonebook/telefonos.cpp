@@ -1,16 +1,16 @@
-#include "kvr/telefonos.h"
+#include <kvr/telefonos.h>
 #include "ui_telefonos.h"
 
-#include "kvr/buscador.h"
-#include "kvr/campos.h"
-#include "kvr/comunes.h"
-#include "kvr/error.h"
-#include "kvr/layout.h"
-#include "kvr/mivisor.h"
-#include "kvr/mybox.h"
-#include "kvr/servicios.h"
-#include "kvr/utilidades.h"
-#include "kvr/visorrejilla.h"
+#include <kvr/buscador.h>
+#include <kvr/campos.h>
+#include <kvr/comunes.h>
+#include <kvr/error.h>
+#include <kvr/layout.h>
+#include <kvr/mivisor.h>
+#include <kvr/mybox.h>
+#include <kvr/servicios.h>
+#include <kvr/utilidades.h>
+#include <kvr/visorrejilla.h>
 
 #include <QCloseEvent>
 #include <QCoreApplication>

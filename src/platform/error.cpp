@@ -1,5 +1,5 @@
-#include "kvr/error.h"
-#include "kvr/servicios.h"
+#include <kvr/error.h>
+#include <kvr/servicios.h>
 
 namespace kvr {
 

@@ -1,5 +1,5 @@
-#include "kvr/fechas.h"
-#include "kvr/servicios.h"
+#include <kvr/fechas.h>
+#include <kvr/servicios.h>
 
 namespace kvr {
 

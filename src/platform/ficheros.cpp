@@ -1,11 +1,12 @@
-#include "kvr/ficheros.h"
+#include <kvr/ficheros.h>
 
-#include "kvr/error.h"
+#include <kvr/error.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
+#include <QStandardPaths>
 
 #include <cerrno>
 #include <cstdlib>
@@ -390,6 +391,25 @@ std::optional<FalloFichero> GrabarFicheroAtomico(const QString &ruta, QByteArray
         ::close(dfd);
     }
     return std::nullopt;
+}
+
+QString CarpetaContactos()
+{
+    QString carpeta = qEnvironmentVariable("TLF");
+    if (carpeta.isEmpty()) {
+        carpeta = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+        if (carpeta.isEmpty())
+            carpeta = QDir::homePath() + QStringLiteral("/.local/share");
+        carpeta += QStringLiteral("/kvr");
+    }
+    if (!carpeta.endsWith(u'/'))
+        carpeta += u'/';
+    return carpeta;
+}
+
+bool CarpetaContactosDeTLF()
+{
+    return !qEnvironmentVariableIsEmpty("TLF");
 }
 
 } // namespace kvr

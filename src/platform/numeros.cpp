@@ -1,5 +1,5 @@
-#include "kvr/numeros.h"
-#include "kvr/error.h"
+#include <kvr/numeros.h>
+#include <kvr/error.h>
 
 #include <charconv>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "kvr/servicios.h"
+#include <kvr/servicios.h>
 
 #include <QCoreApplication>
 #include <QFileInfo>

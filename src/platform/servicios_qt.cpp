@@ -1,6 +1,8 @@
-// The Qt implementation of the operating-system seam, made the default as soon as the widget
-// library is loaded.
-#include "kvr/servicios.h"
+// The Qt implementation of the operating-system seam. It becomes the default when the host's
+// application object is built (Qt runs the widget library's start-up function then, or at once
+// when the library is loaded into a running application): every box it shows needs that object,
+// and a host's own services put in with PonerServicios stay in front of it.
+#include <kvr/servicios.h>
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -114,8 +116,14 @@ public:
     }
 };
 
-ServiciosQt g_serviciosQt;
-[[maybe_unused]] const bool g_registrados = (PonerServiciosPorOmision(&g_serviciosQt), true);
+void usarServiciosQt()
+{
+    static ServiciosQt qt;
+    PonerServiciosPorOmision(&qt);
+}
 
 } // namespace
 } // namespace kvr
+
+using kvr::usarServiciosQt;
+Q_COREAPP_STARTUP_FUNCTION(usarServiciosQt)

@@ -1,15 +1,15 @@
-#include "kvr/frmtablas.h"
+#include <kvr/frmtablas.h>
 #include "ui_frmtablas.h"
 
-#include "kvr/campos.h"
-#include "kvr/error.h"
-#include "kvr/layout.h"
-#include "kvr/mivisor.h"
-#include "kvr/mybox.h"
-#include "kvr/servicios.h"
-#include "kvr/tablas.h"
-#include "kvr/utilidades.h"
-#include "kvr/visorrejilla.h"
+#include <kvr/campos.h>
+#include <kvr/error.h>
+#include <kvr/layout.h>
+#include <kvr/mivisor.h>
+#include <kvr/mybox.h>
+#include <kvr/servicios.h>
+#include <kvr/tablas.h>
+#include <kvr/utilidades.h>
+#include <kvr/visorrejilla.h>
 
 #include <QCloseEvent>
 #include <QKeyEvent>

@@ -1,10 +1,10 @@
-#include "kvr/tablas.h"
+#include <kvr/tablas.h>
 
-#include "kvr/error.h"
-#include "kvr/ficheros.h"
-#include "kvr/mivisor.h"
-#include "kvr/servicios.h"
-#include "kvr/comunes.h"
+#include <kvr/error.h>
+#include <kvr/ficheros.h>
+#include <kvr/mivisor.h>
+#include <kvr/servicios.h>
+#include <kvr/comunes.h>
 
 #include <QDir>
 #include <QFileInfo>

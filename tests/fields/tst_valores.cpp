@@ -5,6 +5,7 @@
 
 #include <kvr/error.h>
 #include <kvr/tags.h>
+#include <kvr/teclas.h>
 #include <kvr/valores.h>
 
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "kvr/teclasnombre.h"
+#include <kvr/teclasnombre.h>
 
 #include <QApplication>
 #include <QKeyEvent>

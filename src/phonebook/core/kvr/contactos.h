@@ -21,12 +21,6 @@ inline const QString DescriptorContactos = QStringLiteral("#0;Nombre#34;Teléfon
 // Columns of the contact's cells in the grid.
 enum ColumnaContacto : int { ColNombre = 1, ColTelefono = 2, ColFax = 3, ColEmail = 4 };
 
-// Folder of the contacts file, with a final "/": the environment variable "TLF" when it is set
-// and not empty (with or without its final "/"); otherwise the user's data folder that every
-// application of the family shares, $XDG_DATA_HOME/kvr/ (by default ~/.local/share/kvr/).
-QString CarpetaContactos();
-// True when the folder comes from "TLF" (then it is never created by us).
-bool CarpetaContactosDeTLF();
 // CarpetaContactos() + "TELEFONO.DAT".
 QString RutaContactos();
 

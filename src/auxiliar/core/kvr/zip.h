@@ -13,7 +13,7 @@ namespace kvr {
 // Called as the work goes on with the fraction done, from 0 to 1.
 using AvisoProgreso = std::function<void(double fraccion)>;
 
-// The logic (kvr_core). A folder is stored under its own name with everything below it (empty
+// A folder is stored under its own name with everything below it (empty
 // folders included, symbolic links followed); a file under its name.
 bool CrearZip(const QStringList &rutas, const QString &zip, const AvisoProgreso &aviso = {});
 // Extracts `zip` into `carpeta` (made when missing). An entry with an absolute path, with "..",
@@ -21,9 +21,5 @@ bool CrearZip(const QStringList &rutas, const QString &zip, const AvisoProgreso 
 // written; a damaged archive (a CRC error, a size that is not the one declared) is reported and
 // what was being restored is taken back.
 bool ExtraerZip(const QString &zip, const QString &carpeta, const AvisoProgreso &aviso = {});
-
-// The same for hosts (widget library): with `conProgreso`, the progress window shows the work.
-bool CopiaSeguridad(const QStringList &rutas, const QString &zip, bool conProgreso = false);
-bool RestaurarCopia(const QString &zip, const QString &carpeta, bool conProgreso = false);
 
 } // namespace kvr

@@ -27,16 +27,4 @@ void LetraNIF(QString &s);
 // for eight digits throws ErrorEjecucion.
 void CompletarCuenta(QString &s);
 
-// What a field does with a typed character, decided from its tag, its text and its selection.
-struct DecisionTecla {
-    enum Accion { Ninguna, Tabulador, PorOmision };
-    int codigo = 0;            // the character to deliver, 0 to swallow the key
-    Accion accion = Ninguna;   // Tabulador: move to the next field; PorOmision: fill the "+" default
-    bool tabTrasEntregar = false; // the delivered character fills the field: move on after it
-};
-// `codigo` is the typed character (8 Backspace, 13 Enter, else a UTF-16 code unit);
-// `inicioSeleccion` the caret position or the start of the selection, `largoSeleccion` its length.
-DecisionTecla DecidirTecla(const QString &tag, const QString &texto, int inicioSeleccion,
-                           int largoSeleccion, int codigo);
-
 } // namespace kvr

@@ -6,6 +6,7 @@
 #include <kvr/servicios.h>
 #include <kvr/tags.h>
 #include <kvr/valores.h>
+#include <kvr/teclas.h>
 #include <kvr/campos.h>
 #include <kvr/escala.h>
 #include <kvr/layout.h>
@@ -33,6 +34,8 @@
 #include <kvr/letras.h>
 #include <kvr/identificacion.h>
 #include <kvr/ini.h>
+#include <kvr/zip.h>
 #include <kvr/copias.h>
 #include <kvr/bandeja.h>
+#include <kvr/analisisteclas.h>
 #include <kvr/teclasnombre.h>

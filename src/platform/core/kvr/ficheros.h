@@ -82,4 +82,12 @@ void GrabarFicheroTexto(const QString &ruta, QByteArrayView datos);
 // The pattern of the temporary files GrabarFicheroAtomico makes for a file name.
 QString PatronTemporal(const QString &nombre);
 
+// The folder of the files every application of the family shares (the contacts file, the notes
+// INI file), with a final "/": the environment variable "TLF" when it is set
+// and not empty (with or without its final "/"); otherwise the user's data folder that every
+// application of the family shares, $XDG_DATA_HOME/kvr/ (by default ~/.local/share/kvr/).
+QString CarpetaContactos();
+// True when the folder comes from "TLF" (then it is never created by us).
+bool CarpetaContactosDeTLF();
+
 } // namespace kvr

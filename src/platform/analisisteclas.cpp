@@ -1,6 +1,6 @@
-#include "kvr/teclasnombre.h"
+#include <kvr/analisisteclas.h>
 
-#include "kvr/error.h"
+#include <kvr/error.h>
 
 #include <QHash>
 
