@@ -59,14 +59,14 @@ MiCalc::MiCalc(QWidget *parent)
         m_teclas[i] = findChild<QPushButton *>(QStringLiteral("tecla_%1_").arg(i));
         m_teclas[i]->setObjectName(QStringLiteral("tecla(%1)").arg(i));
         Q_ASSERT(m_teclas[i] && m_teclas[i]->text() == MotorCalculadora::TeclaDe(i));
-        connect(m_teclas[i], &QPushButton::clicked, this, [this, i] { tecla_Click(i); });
+        connect(m_teclas[i], &QPushButton::clicked, this, Manejador(this, &MiCalc::tecla_Click, i));
     }
-    connect(ui->decimales, &QPushButton::clicked, this, &MiCalc::decimales_Click);
-    connect(ui->Pegar, &QPushButton::clicked, this, &MiCalc::Pegar_Click);
-    connect(ui->VerPapel, &QPushButton::clicked, this, &MiCalc::VerPapel_Click);
-    connect(ui->Salir, &QPushButton::clicked, this, &MiCalc::Salir_Click);
+    connect(ui->decimales, &QPushButton::clicked, this, Manejador(this, &MiCalc::decimales_Click));
+    connect(ui->Pegar, &QPushButton::clicked, this, Manejador(this, &MiCalc::Pegar_Click));
+    connect(ui->VerPapel, &QPushButton::clicked, this, Manejador(this, &MiCalc::VerPapel_Click));
+    connect(ui->Salir, &QPushButton::clicked, this, Manejador(this, &MiCalc::Salir_Click));
     // As on the desktop, the toggle's handler runs whenever its value changes, by click or by F8.
-    connect(ui->FijarUp, &QCheckBox::toggled, this, &MiCalc::FijarUp_Click);
+    connect(ui->FijarUp, &QCheckBox::toggled, this, Manejador(this, &MiCalc::FijarUp_Click));
 
     m_motor.AlAnotar = [this](const QString &linea) {
         QPlainTextEdit *papel = ui->Papel;

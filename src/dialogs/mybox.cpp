@@ -108,27 +108,19 @@ MyBox::MyBox(QWidget *parent)
         Q_ASSERT(m_botones[i]);
         m_botones[i]->setObjectName(QStringLiteral("Boton(%1)").arg(i));
         // The buttons stay down when pressed; their handler lets them spring back.
-        connect(m_botones[i], &QPushButton::toggled, this, [this, i] {
-            EjecutarManejador([&] { Boton_Click(i); });
-        });
+        connect(m_botones[i], &QPushButton::toggled, this, Manejador(this, &MyBox::Boton_Click, i));
         m_botones[i]->installEventFilter(this);
     }
-    connect(ui->Ayuda, &QPushButton::clicked, this, [this] { Ayuda_Click(); });
+    connect(ui->Ayuda, &QPushButton::clicked, this, Manejador(this, &MyBox::Ayuda_Click));
 
     // The viewer grid: Tab leaves it for the buttons, a chosen row shows as a whole.
     VisorRejilla *visor = ui->VisorMini;
     visor->setTabKeyNavigation(false);
     visor->setSelectionBehavior(QAbstractItemView::SelectRows);
     visor->installEventFilter(this);
-    connect(visor, &VisorRejilla::Click, this, [this](int fila, int col) {
-        EjecutarManejador([&] { VisorMini_Click(fila, col); });
-    });
-    connect(visor, &VisorRejilla::DobleClick, this, [this](int fila, int col) {
-        EjecutarManejador([&] { VisorMini_DblClick(fila, col); });
-    });
-    connect(visor, &VisorRejilla::RowColChange, this, [this] {
-        EjecutarManejador([&] { VisorMini_RowColChange(); });
-    });
+    connect(visor, &VisorRejilla::Click, this, Manejador(this, &MyBox::VisorMini_Click));
+    connect(visor, &VisorRejilla::DobleClick, this, Manejador(this, &MyBox::VisorMini_DblClick));
+    connect(visor, &VisorRejilla::RowColChange, this, Manejador(this, &MyBox::VisorMini_RowColChange));
     ui->RGBText->installEventFilter(this);
 
     // Tab order of the design: the question's controls, then the buttons left to right.

@@ -141,12 +141,6 @@ void enviarTab()
     }, Qt::QueuedConnection);
 }
 
-void mostrarError(const ErrorEjecucion &e)
-{
-    Servicios &s = ServiciosActuales();
-    s.Mensaje(e.descripcion(), Critico, s.TituloAplicacion());
-}
-
 // Dynamic property marking the field that is current in its window (entered, not yet left).
 constexpr const char *kDentro = "_kvr_dentro";
 
@@ -213,12 +207,8 @@ private:
         else
             return false;
         const int original = codigo;
-        try {
-            CampoKeyPress(campo, codigo);
-        } catch (const ErrorEjecucion &e) {
-            mostrarError(e);
+        if (!EjecutarManejador([&] { CampoKeyPress(campo, codigo); }))
             return true;
-        }
         if (codigo == 0)
             return true;
         if (codigo == original)

@@ -1,6 +1,7 @@
 #include <kvr/minihelp.h>
 #include <kvr/utilidades.h>
 
+#include <kvr/error.h>
 #include <kvr/layout.h>
 #include <kvr/rtfdocumento.h>
 #include "tiraversion.h"
@@ -87,7 +88,7 @@ MiniHelp::MiniHelp(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::M
     m_web = ui->MiniWeb;
 #endif
     m_web->hide();
-    connect(ui->cmdCerrar, &QPushButton::clicked, this, &MiniHelp::cmdCerrar_Click);
+    connect(ui->cmdCerrar, &QPushButton::clicked, this, Manejador(this, &MiniHelp::cmdCerrar_Click));
     Form_Load();
 }
 

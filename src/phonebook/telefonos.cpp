@@ -117,14 +117,11 @@ Telefonos::Telefonos(QWidget *parent)
 
     // Every handler runs through the shared dispatcher: a run-time error is shown and the
     // window goes on.
-    const auto manejar = [this](auto metodo) {
-        return [this, metodo](auto &&...args) { EjecutarManejador([&] { (this->*metodo)(args...); }); };
-    };
-    connect(ui->BuscoTLF, &QLineEdit::textChanged, this, [m = manejar(&Telefonos::BuscoTLF_Change)] { m(); });
-    connect(ui->Telfs, &VisorRejilla::Click, this, manejar(&Telefonos::Telfs_Click));
-    connect(ui->Telfs, &VisorRejilla::RowColChange, this, manejar(&Telefonos::Telfs_RowColChange));
-    connect(ui->Telfs, &VisorRejilla::ClickDerecho, this, manejar(&Telefonos::Telfs_MouseDown));
-    connect(ui->Telfs, &VisorRejilla::DobleClick, this, manejar(&Telefonos::Telfs_DblClick));
+    connect(ui->BuscoTLF, &QLineEdit::textChanged, this, Manejador(this, &Telefonos::BuscoTLF_Change));
+    connect(ui->Telfs, &VisorRejilla::Click, this, Manejador(this, &Telefonos::Telfs_Click));
+    connect(ui->Telfs, &VisorRejilla::RowColChange, this, Manejador(this, &Telefonos::Telfs_RowColChange));
+    connect(ui->Telfs, &VisorRejilla::ClickDerecho, this, Manejador(this, &Telefonos::Telfs_MouseDown));
+    connect(ui->Telfs, &VisorRejilla::DobleClick, this, Manejador(this, &Telefonos::Telfs_DblClick));
     const std::pair<QPushButton *, void (Telefonos::*)()> botones[] = {
         {ui->cmdNuevo, &Telefonos::cmdNuevo_Click},     {ui->cmdEditar, &Telefonos::cmdEditar_Click},
         {ui->cmdBorrar, &Telefonos::cmdBorrar_Click},   {ui->cmdAceptar, &Telefonos::cmdAceptar_Click},
@@ -132,7 +129,7 @@ Telefonos::Telefonos(QWidget *parent)
         {ui->cmdFax, &Telefonos::cmdFax_Click},         {ui->cmdSalir, &Telefonos::cmdSalir_Click},
     };
     for (const auto &[boton, metodo] : botones)
-        connect(boton, &QPushButton::clicked, this, [m = manejar(metodo)] { m(); });
+        connect(boton, &QPushButton::clicked, this, Manejador(this, metodo));
 
     // A file that cannot be loaded (a folder or a FIFO in its place) leaves no half-built window:
     // the error is shown and the window is never shown.

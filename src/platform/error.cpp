@@ -34,8 +34,7 @@ bool EjecutarManejador(const std::function<void()> &manejador, const std::functi
         if (alFallar)
             alFallar();
         Servicios &s = ServiciosActuales();
-        s.Mensaje(QStringLiteral("Error %1: %2").arg(e.numero()).arg(e.descripcion()), Critico,
-                  s.TituloAplicacion());
+        s.Mensaje(QString::fromUtf8(e.what()), Critico, s.TituloAplicacion());
         return false;
     }
 }

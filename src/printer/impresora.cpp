@@ -43,14 +43,10 @@ Impresora::Impresora(QWidget *parent)
     setObjectName(QStringLiteral("Impresora"));
     m_iconos = new ListaIconos(this);
 
-    connect(ui->ModoPapel, &QPushButton::clicked, this,
-            [this] { EjecutarManejador([this] { ModoPapel_Click(); }); });
-    connect(ui->ListaImpresoras, &QComboBox::activated, this,
-            [this] { EjecutarManejador([this] { ListaImpresoras_Click(); }); });
-    connect(ui->cmdAceptar, &QPushButton::clicked, this,
-            [this] { EjecutarManejador([this] { cmdAceptar_Click(); }); });
-    connect(ui->cmdCancelar, &QPushButton::clicked, this,
-            [this] { EjecutarManejador([this] { cmdCancelar_Click(); }); });
+    connect(ui->ModoPapel, &QPushButton::clicked, this, Manejador(this, &Impresora::ModoPapel_Click));
+    connect(ui->ListaImpresoras, &QComboBox::activated, this, Manejador(this, &Impresora::ListaImpresoras_Click));
+    connect(ui->cmdAceptar, &QPushButton::clicked, this, Manejador(this, &Impresora::cmdAceptar_Click));
+    connect(ui->cmdCancelar, &QPushButton::clicked, this, Manejador(this, &Impresora::cmdCancelar_Click));
 
     EjecutarManejador([this] { Form_Load(); });
 }

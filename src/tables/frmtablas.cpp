@@ -50,15 +50,16 @@ frmTablas::frmTablas(QWidget *parent)
     ui->VisorTabla->installEventFilter(this);
 
     PrepararCampo(ui->Elemento);
-    connect(ui->VisorTabla, &VisorRejilla::Click, this, [this](int fila, int) {
-        // A click on the titles or outside the cells chooses nothing.
-        if (fila >= 1)
-            VisorTabla_Click();
-    });
-    connect(ui->Elemento, &QLineEdit::textChanged, this, &frmTablas::Elemento_Change);
-    connect(ui->cmdAceptar, &QPushButton::clicked, this, &frmTablas::cmdAceptar_Click);
-    connect(ui->cmdGrabar, &QPushButton::clicked, this, &frmTablas::cmdGrabar_Click);
-    connect(ui->cmdSalir, &QPushButton::clicked, this, &frmTablas::cmdSalir_Click);
+    connect(ui->VisorTabla, &VisorRejilla::Click, this,
+            [elegir = Manejador(this, &frmTablas::VisorTabla_Click)](int fila, int) {
+                // A click on the titles or outside the cells chooses nothing.
+                if (fila >= 1)
+                    elegir();
+            });
+    connect(ui->Elemento, &QLineEdit::textChanged, this, Manejador(this, &frmTablas::Elemento_Change));
+    connect(ui->cmdAceptar, &QPushButton::clicked, this, Manejador(this, &frmTablas::cmdAceptar_Click));
+    connect(ui->cmdGrabar, &QPushButton::clicked, this, Manejador(this, &frmTablas::cmdGrabar_Click));
+    connect(ui->cmdSalir, &QPushButton::clicked, this, Manejador(this, &frmTablas::cmdSalir_Click));
 
     Form_Load();
 }

@@ -158,11 +158,11 @@ private Q_SLOTS:
         QCOMPARE(v.libre->text(), u"ab"_qs); // no type: free text
         QVERIFY(servicios.mensajes.value(0).texto.contains(u"obligatorio (T) Tipo en L(5) A(I)"_qs));
         servicios.mensajes.clear();
-        PonerTagDe(v.libre, u"T(N L"_qs); // a run-time error, reported, the key dropped
+        PonerTagDe(v.libre, u"T(N L"_qs); // a run-time error, reported as every handler reports one, the key dropped
         teclear(v.libre, u"1"_qs);
         QCOMPARE(v.libre->text(), u"ab"_qs);
         QCOMPARE(servicios.mensajes.size(), 1);
-        QCOMPARE(servicios.mensajes[0].texto, u"Llamada a procedimiento o argumento no válidos"_qs);
+        QCOMPARE(servicios.mensajes[0].texto, u"Error 5: Llamada a procedimiento o argumento no válidos"_qs);
         QVERIFY(enfocar(v.importe)); // leaving does not raise either
     }
 };

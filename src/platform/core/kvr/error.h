@@ -45,4 +45,20 @@ private:
 bool EjecutarManejador(const std::function<void()> &manejador,
                        const std::function<void()> &alFallar = {});
 
+// The one way a window wires a signal to its event handler:
+//     connect(ui->cmdAceptar, &QPushButton::clicked, this, Manejador(this, &Ventana::cmdAceptar_Click));
+// The handler runs through EjecutarManejador. Without `fijos` it gets the signal's arguments it
+// takes (those it does not take are left, as a connection to a slot leaves them); with them, it
+// gets those instead (the index of a control array: Manejador(this, &Ventana::tecla_Click, i)).
+template <class Ventana, class... Parametros, class... Fijos>
+auto Manejador(Ventana *ventana, void (Ventana::*metodo)(Parametros...), Fijos... fijos)
+{
+    if constexpr (sizeof...(Fijos) == 0)
+        return [ventana, metodo](Parametros... argumentos) {
+            EjecutarManejador([&] { (ventana->*metodo)(argumentos...); });
+        };
+    else
+        return [ventana, metodo, fijos...] { EjecutarManejador([&] { (ventana->*metodo)(fijos...); }); };
+}
+
 } // namespace kvr
