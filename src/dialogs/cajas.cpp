@@ -18,19 +18,19 @@ QString TextoMensaje(const QString &ElMensaje)
 std::optional<JuegoBotones> JuegoDeBotones(int LosBotones, int BotonOmision)
 {
     // Captions from the rightmost button, Boton(0), to the leftmost, Boton(2).
-    const QString aceptar = QStringLiteral("Aceptar"), cancelar = QStringLiteral("Cancelar");
-    JuegoBotones j;
+    std::array<int, 3> respuestas{};
     switch (LosBotones) {
-    case 1: j.titulos = {aceptar, QString(), QString()}; break;
-    case 2: j.titulos = {cancelar, aceptar, QString()}; break;
-    case 3: j.titulos = {QStringLiteral("No"), QStringLiteral("Si"), QString()}; break;
-    case 4: j.titulos = {cancelar, QStringLiteral("No"), QStringLiteral("Si")}; break;
-    case 5:
-        j.titulos = {QStringLiteral("Ignorar"), QStringLiteral("Reintentar"), QStringLiteral("Abortar")};
-        break;
-    case 6: j.titulos = {cancelar, QStringLiteral("Reintentar"), QString()}; break;
+    case 1: respuestas = {RespAceptar, 0, 0}; break;
+    case 2: respuestas = {RespCancelar, RespAceptar, 0}; break;
+    case 3: respuestas = {RespNo, RespSi, 0}; break;
+    case 4: respuestas = {RespCancelar, RespNo, RespSi}; break;
+    case 5: respuestas = {RespIgnorar, RespReintentar, RespAbortar}; break;
+    case 6: respuestas = {RespCancelar, RespReintentar, 0}; break;
     default: return std::nullopt;
     }
+    JuegoBotones j;
+    for (size_t i = 0; i < respuestas.size(); ++i)
+        j.titulos[i] = TituloRespuesta(respuestas[i]);
     // The leftmost visible button is the first of the set; "other" always means Boton(0).
     int primero = 0;
     for (int i = 2; i >= 0; --i) {
@@ -50,15 +50,8 @@ std::optional<JuegoBotones> JuegoDeBotones(int LosBotones, int BotonOmision)
 
 std::optional<int> CodigoDeBoton(const QString &titulo)
 {
-    static const std::pair<const char16_t *, int> tabla[] = {
-        {u"Aceptar", CajaAceptar}, {u"Cancelar", CajaCancelar}, {u"Abortar", CajaAbortar},
-        {u"Reintentar", CajaReintentar}, {u"Ignorar", CajaIgnorar}, {u"Si", CajaSi},
-        {u"No", CajaNo},
-    };
-    for (const auto &[texto, codigo] : tabla) {
-        if (titulo == QStringView(texto))
-            return codigo;
-    }
+    if (const int codigo = RespuestaDeTitulo(titulo))
+        return codigo;
     return std::nullopt;
 }
 

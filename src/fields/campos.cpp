@@ -368,7 +368,7 @@ void SeleccionarEnCombo(QComboBox *combo, const QString &valor)
 
 int ValorColor(const QColor &color)
 {
-    return color.red() + color.green() * 256 + color.blue() * 65536;
+    return ValorRGB(color.red(), color.green(), color.blue());
 }
 
 QColor ColorDeValor(int valor)

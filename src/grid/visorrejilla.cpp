@@ -346,7 +346,7 @@ VisorRejilla::~VisorRejilla()
 
 int VisorRejilla::pixeles(int twips) const
 {
-    return int(std::lround(double(twips) * logicalDpiX() / 1440.0));
+    return int(std::lround(double(twips) * logicalDpiX() / double(TwipsPorPulgada)));
 }
 
 void VisorRejilla::EscalarColumnas()

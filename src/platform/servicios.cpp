@@ -4,6 +4,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <cstdio>
+#include <utility>
 
 namespace kvr {
 
@@ -58,6 +59,29 @@ QDate Servicios::Hoy()
 QDateTime Servicios::Ahora()
 {
     return QDateTime::currentDateTime();
+}
+
+namespace {
+constexpr std::pair<int, const char16_t *> TitulosRespuesta[] = {
+    {RespAceptar, u"Aceptar"}, {RespCancelar, u"Cancelar"}, {RespAbortar, u"Abortar"},
+    {RespReintentar, u"Reintentar"}, {RespIgnorar, u"Ignorar"}, {RespSi, u"Si"}, {RespNo, u"No"},
+};
+} // namespace
+
+QString TituloRespuesta(int respuesta)
+{
+    for (const auto &[r, titulo] : TitulosRespuesta)
+        if (r == respuesta)
+            return QString::fromUtf16(titulo);
+    return {};
+}
+
+int RespuestaDeTitulo(QStringView titulo)
+{
+    for (const auto &[r, texto] : TitulosRespuesta)
+        if (titulo == QStringView(texto))
+            return r;
+    return 0;
 }
 
 Servicios &ServiciosActuales()

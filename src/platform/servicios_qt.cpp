@@ -42,38 +42,33 @@ public:
         case Informacion: caja.setIcon(QMessageBox::Information); break;
         default: break;
         }
-        struct Boton { QString texto; int respuesta; QMessageBox::ButtonRole rol; };
+        struct Boton { int respuesta; QMessageBox::ButtonRole rol; };
         QList<Boton> juego;
         switch (botones & 7) {
         case AceptarCancelar:
-            juego = {{QStringLiteral("Aceptar"), RespAceptar, QMessageBox::AcceptRole},
-                     {QStringLiteral("Cancelar"), RespCancelar, QMessageBox::RejectRole}};
+            juego = {{RespAceptar, QMessageBox::AcceptRole}, {RespCancelar, QMessageBox::RejectRole}};
             break;
         case AbortarReintentarIgnorar:
-            juego = {{QStringLiteral("Abortar"), RespAbortar, QMessageBox::RejectRole},
-                     {QStringLiteral("Reintentar"), RespReintentar, QMessageBox::AcceptRole},
-                     {QStringLiteral("Ignorar"), RespIgnorar, QMessageBox::ActionRole}};
+            juego = {{RespAbortar, QMessageBox::RejectRole}, {RespReintentar, QMessageBox::AcceptRole},
+                     {RespIgnorar, QMessageBox::ActionRole}};
             break;
         case SiNoCancelar:
-            juego = {{QStringLiteral("Sí"), RespSi, QMessageBox::YesRole},
-                     {QStringLiteral("No"), RespNo, QMessageBox::NoRole},
-                     {QStringLiteral("Cancelar"), RespCancelar, QMessageBox::RejectRole}};
+            juego = {{RespSi, QMessageBox::YesRole}, {RespNo, QMessageBox::NoRole},
+                     {RespCancelar, QMessageBox::RejectRole}};
             break;
         case SiNo:
-            juego = {{QStringLiteral("Sí"), RespSi, QMessageBox::YesRole},
-                     {QStringLiteral("No"), RespNo, QMessageBox::NoRole}};
+            juego = {{RespSi, QMessageBox::YesRole}, {RespNo, QMessageBox::NoRole}};
             break;
         case ReintentarCancelar:
-            juego = {{QStringLiteral("Reintentar"), RespReintentar, QMessageBox::AcceptRole},
-                     {QStringLiteral("Cancelar"), RespCancelar, QMessageBox::RejectRole}};
+            juego = {{RespReintentar, QMessageBox::AcceptRole}, {RespCancelar, QMessageBox::RejectRole}};
             break;
         default:
-            juego = {{QStringLiteral("Aceptar"), RespAceptar, QMessageBox::AcceptRole}};
+            juego = {{RespAceptar, QMessageBox::AcceptRole}};
             break;
         }
         QList<QPair<QAbstractButton *, int>> respuestas;
         for (const Boton &b : juego)
-            respuestas.append({caja.addButton(b.texto, b.rol), b.respuesta});
+            respuestas.append({caja.addButton(TituloRespuesta(b.respuesta), b.rol), b.respuesta});
         caja.setDefaultButton(qobject_cast<QPushButton *>(respuestas.first().first));
         if (respuestas.size() == 1)
             caja.setEscapeButton(respuestas.first().first);
@@ -94,8 +89,8 @@ public:
         caja.setWindowTitle(titulo.isEmpty() ? TituloAplicacion() : titulo);
         caja.setLabelText(pregunta);
         caja.setTextValue(porOmision);
-        caja.setOkButtonText(QStringLiteral("Aceptar"));
-        caja.setCancelButtonText(QStringLiteral("Cancelar"));
+        caja.setOkButtonText(TituloRespuesta(RespAceptar));
+        caja.setCancelButtonText(TituloRespuesta(RespCancelar));
         if (xTwips >= 0 || yTwips >= 0) {
             // Twips to pixels at the screen's logical dpi; a direction left at -1 stays centred.
             caja.adjustSize();
@@ -103,9 +98,9 @@ public:
             const QRect area = pantalla ? pantalla->availableGeometry() : QRect();
             const double dpiX = pantalla ? pantalla->logicalDotsPerInchX() : 96.0;
             const double dpiY = pantalla ? pantalla->logicalDotsPerInchY() : 96.0;
-            const int x = xTwips >= 0 ? int(xTwips * dpiX / 1440.0)
+            const int x = xTwips >= 0 ? int(xTwips * dpiX / TwipsPorPulgada)
                                       : area.x() + (area.width() - caja.width()) / 2;
-            const int y = yTwips >= 0 ? int(yTwips * dpiY / 1440.0)
+            const int y = yTwips >= 0 ? int(yTwips * dpiY / TwipsPorPulgada)
                                       : area.y() + (area.height() - caja.height()) / 2;
             caja.move(x, y);
         }

@@ -25,8 +25,8 @@ namespace {
     (RegistrarVentana(QStringLiteral("frmTablas"), [] { return new frmTablas; }), true);
 
 // Twips a pixel of `w` stands for, horizontally and vertically.
-double twipsX(const QWidget *w) { return 1440.0 / w->logicalDpiX(); }
-double twipsY(const QWidget *w) { return 1440.0 / w->logicalDpiY(); }
+double twipsX(const QWidget *w) { return TwipsPorPulgada / w->logicalDpiX(); }
+double twipsY(const QWidget *w) { return TwipsPorPulgada / w->logicalDpiY(); }
 int pixelesX(const QWidget *w, double twips) { return int(std::lround(twips / twipsX(w))); }
 
 } // namespace

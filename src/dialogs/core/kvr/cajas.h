@@ -2,6 +2,8 @@
 // The rules of the runtime's message, input and range box (MyBox), without widgets: the lines of
 // a message, the button sets, the result codes, the kind of question a field descriptor asks,
 // range texts and their order, and where the box stands on the screen.
+#include <kvr/servicios.h>
+
 #include <QRectF>
 #include <QSizeF>
 #include <QString>
@@ -12,10 +14,11 @@
 
 namespace kvr {
 
-// Result codes of the box, decided by the caption of the button pressed. 0: no button.
+// Result codes of the box, decided by the caption of the button pressed: the answers of the
+// desktop's message box (RespuestaMensaje), and 0 for no button.
 enum CodigoCaja : int {
-    CajaSinBoton = 0, CajaAceptar = 1, CajaCancelar = 2, CajaAbortar = 3, CajaReintentar = 4,
-    CajaIgnorar = 5, CajaSi = 6, CajaNo = 7,
+    CajaSinBoton = 0, CajaAceptar = RespAceptar, CajaCancelar = RespCancelar, CajaAbortar = RespAbortar,
+    CajaReintentar = RespReintentar, CajaIgnorar = RespIgnorar, CajaSi = RespSi, CajaNo = RespNo,
 };
 
 // The question a window asks before it closes over changes that are not saved.

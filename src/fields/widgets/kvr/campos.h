@@ -19,8 +19,10 @@ extern QPointer<QWidget> UltimoCampo;
 // While true, CampoLostFocus leaves UltimoCampo alone.
 extern bool NoRecordarCampo;
 
-// The light-cyan editing colour, RGB(192, 255, 255), as the 32-bit colour value 16777152.
-constexpr int ColorEdicion = 16777152;
+// A colour as the desktop's 32-bit colour value: red + green*256 + blue*65536.
+constexpr int ValorRGB(int rojo, int verde, int azul) { return rojo + verde * 256 + azul * 65536; }
+// The light-cyan editing colour (16777152).
+constexpr int ColorEdicion = ValorRGB(192, 255, 255);
 
 // The widget's tag text (its "tag" property) and a setter.
 QString TagDe(const QObject *campo);
@@ -54,7 +56,7 @@ void ValorPorOmision(QWidget *campo);
 // Selects the entry of a list whose trimmed text equals the trimmed value; nothing if none does.
 void SeleccionarEnCombo(QComboBox *combo, const QString &valor);
 
-// A colour as the desktop's 32-bit colour value (red + green*256 + blue*65536) and back.
+// A colour as the desktop's 32-bit colour value (ValorRGB) and back.
 int ValorColor(const QColor &color);
 QColor ColorDeValor(int valor);
 

@@ -2,6 +2,8 @@
 // The proportional layout's scale factors and the pure scaling maths (no widgets). Windows are
 // designed at one size and shown larger on larger screens: one factor, the same for both
 // directions, scales a window, its controls, their fonts and grid columns.
+#include <kvr/servicios.h>
+
 #include <optional>
 
 namespace kvr {
@@ -19,8 +21,7 @@ float EscalaY(float v);
 // v times the mean of both factors; unchanged when either factor is 0 or SinEscalar is raised.
 float EscalaFuente(float v);
 
-// A twip is 1/1440 inch; twips per pixel = TwipsPorPulgada / logical dpi.
-constexpr float TwipsPorPulgada = 1440.0f;
+// Twips per pixel = TwipsPorPulgada (<kvr/servicios.h>) / logical dpi.
 // A control whose left edge (in twips) lies below this is parked out of sight.
 constexpr float LimiteAparcado = -50000.0f;
 // Parked controls are scaled about this left edge (in twips) so that they stay out of sight.

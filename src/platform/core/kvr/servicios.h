@@ -16,11 +16,19 @@ enum BotonesMensaje : int {
     SiNo = 4, ReintentarCancelar = 5,
     Critico = 16, Pregunta = 32, Exclamacion = 48, Informacion = 64,
 };
+// Positions and sizes of windows and boxes are given in twips: 1/1440 inch.
+constexpr float TwipsPorPulgada = 1440.0f;
+
 // Answers of the message box: the button pressed.
 enum RespuestaMensaje : int {
     RespAceptar = 1, RespCancelar = 2, RespAbortar = 3, RespReintentar = 4, RespIgnorar = 5,
     RespSi = 6, RespNo = 7,
 };
+// The caption of the button that gives an answer ("Aceptar", "Cancelar", "Abortar", "Reintentar",
+// "Ignorar", "Si", "No"), the same in every box of the runtime; empty for any other number.
+QString TituloRespuesta(int respuesta);
+// The answer a caption gives, the other way round; 0 for a caption that is none of them.
+int RespuestaDeTitulo(QStringView titulo);
 
 class Servicios {
 public:
