@@ -6,6 +6,7 @@
 #include <kvr/kvr.h>
 
 #include "linea.h"
+#include "pantalla.h"
 
 #include <QApplication>
 #include <QFile>
@@ -19,7 +20,6 @@
 #include <functional>
 #include <map>
 #include <optional>
-#include <dlfcn.h>
 #include <unistd.h>
 
 namespace {
@@ -498,60 +498,6 @@ std::vector<Orden> ordenes()
     };
 }
 
-// The connection that asked whether the X server answers. It stays open until Qt has its own: an
-// X server with no other client (Xvfb, a bare session) resets when its last client leaves, and a
-// connection made during the reset fails (Qt then aborted now and then).
-struct SondaX {
-    void (*desconectar)(void *) = nullptr;
-    void *conexion = nullptr;
-    void cerrar()
-    {
-        if (conexion && desconectar)
-            desconectar(conexion);
-        conexion = nullptr;
-    }
-};
-SondaX g_sondaX;
-
-// Whether the X server named by DISPLAY accepts a connection, asked through the same library Qt
-// uses (loaded here only for the question, and left loaded: Qt's X plugin loads it next). True
-// when the library is not there: Qt decides then.
-bool servidorXResponde(const QByteArray &pantalla)
-{
-    void *xcb = ::dlopen("libxcb.so.1", RTLD_LAZY | RTLD_LOCAL);
-    if (!xcb)
-        return true;
-    using Conectar = void *(*)(const char *, int *);
-    using TieneError = int (*)(void *);
-    const auto conectar = reinterpret_cast<Conectar>(::dlsym(xcb, "xcb_connect"));
-    const auto tieneError = reinterpret_cast<TieneError>(::dlsym(xcb, "xcb_connection_has_error"));
-    g_sondaX.desconectar = reinterpret_cast<void (*)(void *)>(::dlsym(xcb, "xcb_disconnect"));
-    if (!conectar || !tieneError || !g_sondaX.desconectar)
-        return true;
-    g_sondaX.conexion = conectar(pantalla.constData(), nullptr);
-    const bool responde = g_sondaX.conexion && tieneError(g_sondaX.conexion) == 0;
-    if (!responde)
-        g_sondaX.cerrar(); // a failed connection is an object too, and is freed the same way
-    return responde;
-}
-
-// Whether a window can be opened, told before Qt is started (Qt aborts without a display).
-bool hayPantalla(QString &motivo)
-{
-    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") || qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        return true;
-    const QByteArray x = qgetenv("DISPLAY");
-    if (x.isEmpty()) {
-        motivo = QStringLiteral("DISPLAY y WAYLAND_DISPLAY están vacías");
-        return false;
-    }
-    if (!servidorXResponde(x)) {
-        motivo = QStringLiteral("no responde el servidor X de DISPLAY=%1").arg(QString::fromLocal8Bit(x));
-        return false;
-    }
-    return true;
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
@@ -618,7 +564,7 @@ int main(int argc, char *argv[])
         QCoreApplication app(argcQt, argvQt.data());
         return orden->ejecutar(a);
     }
-    if (QString motivo; !hayPantalla(motivo)) {
+    if (QString motivo; !kvr::orden::HayPantalla(motivo)) {
         escribir(stderr, QStringLiteral("kvr %1: no hay pantalla donde abrir la ventana (%2)\n").arg(a.orden, motivo));
         return ErrorUso;
     }
@@ -627,7 +573,7 @@ int main(int argc, char *argv[])
     // who asks for the notes still gets them.
     QLoggingCategory::setFilterRules(QStringLiteral("qt.webenginecontext.debug=false\nqt.webenginecontext.info=false"));
     QApplication app(argcQt, argvQt.data());
-    g_sondaX.cerrar(); // Qt is connected now
+    kvr::orden::CerrarSondaPantalla(); // Qt is connected now
     QApplication::setApplicationName(QStringLiteral("kvr"));
     QApplication::setApplicationVersion(QStringLiteral(KVR_VERSION));
     Activador activador;

@@ -77,7 +77,7 @@ QString TextoParaPegar(const QString &portapapeles)
 
 bool FactorDeLineaComandos(const QString &linea, double &factor)
 {
-    if (!(linea + u' ').startsWith(u'+'))
+    if (!linea.startsWith(u'+'))
         return false;
     try {
         factor = Val(linea.mid(1));
@@ -306,9 +306,8 @@ void MotorCalculadora::mostrarResultado()
 {
     Pendiente.clear();
     Visualizar(Resultado);
-    m_copiado = m_pantalla.left(m_pantalla.size() - 2);
     if (AlCopiar)
-        AlCopiar(m_copiado);
+        AlCopiar(m_pantalla.left(m_pantalla.size() - 2)); // the number without its key
     const QChar cierre = ultimo(Operando);
     if (cierre == u'+' || cierre == u'-' || cierre == u'/' || cierre == u'*') {
         // Closed by a further operator: the chain goes on from the result, not written down.

@@ -68,22 +68,6 @@ private:
     bool m_apertura;
 };
 
-// The box is owned by the window it is shown over, or by the active window.
-QWidget *padreDe(QWidget *Formulario)
-{
-    if (Formulario)
-        return Formulario->window();
-    return QApplication::activeWindow();
-}
-
-// Shows the box modally; false when it was destroyed meanwhile (its owner went away).
-bool mostrarModal(MyBox *caja)
-{
-    QPointer<MyBox> vigia(caja);
-    caja->exec();
-    return !vigia.isNull();
-}
-
 // A rectangle in pixels as twips.
 QRectF enTwips(const QRect &r)
 {
@@ -313,13 +297,13 @@ void MyBox::PrepararVisor(const QString &Titulos, const QVector<QStringList> &Ma
 void MyBox::PonerColumnaDevolver(const QString &ColumnaDevolver)
 {
     if (!ColumnaDevolver.isEmpty())
-        m_columnaDevolver = float(BuscarColumnaVisor(ui->VisorMini->rejilla(), ColumnaDevolver));
+        m_columnaDevolver = BuscarColumnaVisor(ui->VisorMini->rejilla(), ColumnaDevolver);
 }
 
 void MyBox::elegirFilaActual()
 {
     const Rejilla &rejilla = ui->VisorMini->rejilla();
-    m_texto = LeerCelda(rejilla, rejilla.Row(), int(m_columnaDevolver));
+    m_texto = LeerCelda(rejilla, rejilla.Row(), m_columnaDevolver);
 }
 
 void MyBox::VisorMini_Click(int fila, int /*col*/)
@@ -550,74 +534,6 @@ bool MyBox::eventFilter(QObject *objeto, QEvent *evento)
         }
     }
     return QDialog::eventFilter(objeto, evento);
-}
-
-float MyMsgBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono, int LosBotones,
-               int BotonOmision, float Top, float Left, QWidget *Formulario)
-{
-    auto caja = std::make_unique<MyBox>(padreDe(Formulario));
-    caja->PonerMensaje(ElMensaje);
-    caja->PonerTitulo(ElTitulo);
-    caja->PonerIcono(ElIcono);
-    caja->DisponerBotones(LosBotones, BotonOmision, Top, Left, Formulario);
-    if (!mostrarModal(caja.get())) {
-        (void)caja.release(); // already destroyed with its owner
-        return CajaSinBoton;
-    }
-    return caja->Resultado();
-}
-
-QString MyInputBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono,
-                   const QString &TagDelCampo, const QString &DatoInicial, float Top, float Left,
-                   QWidget *Formulario, const QString &FicheroAyuda)
-{
-    auto caja = std::make_unique<MyBox>(padreDe(Formulario));
-    caja->PonerMensaje(ElMensaje);
-    caja->PonerTitulo(ElTitulo);
-    caja->PonerIcono(ElIcono);
-    caja->PonerAyuda(FicheroAyuda);
-    // "Aceptar" and "Cancelar", "Aceptar" first; the question's control comes before both.
-    caja->DisponerBotones(2, 1, Top, Left, Formulario);
-    caja->PrepararPregunta(TagDelCampo, DatoInicial);
-    if (!mostrarModal(caja.get())) {
-        (void)caja.release();
-        return QString();
-    }
-    if (caja->Resultado() != float(CajaAceptar))
-        return QString();
-    switch (TipoDePregunta(TagDelCampo)) {
-    case TipoPregunta::Lista:
-        return caja->TextoResultado();
-    case TipoPregunta::Rango:
-        return UnirRango(TextoEdicion(caja->TextoResultado(), TagDelCampo),
-                         TextoEdicion(caja->TextoHasta(), TagDelCampo));
-    case TipoPregunta::Valor:
-        break;
-    }
-    return TextoEdicion(caja->TextoResultado(), TagDelCampo);
-}
-
-QString MyVisorBox(const QString &ElTitulo, const QString &Titulos,
-                   const QVector<QStringList> &Matriz, int ElIcono,
-                   const QString &ColumnaDevolver, float Top, float Left, QWidget *Formulario)
-{
-    auto caja = std::make_unique<MyBox>(padreDe(Formulario));
-    caja->PonerTitulo(ElTitulo);
-    caja->PonerIcono(ElIcono);
-    caja->PrepararVisor(Titulos, Matriz);
-    // Picking a row: "Aceptar" and "Cancelar", the focus on "Cancelar". Only looking: "Aceptar".
-    if (ColumnaDevolver.isEmpty())
-        caja->DisponerBotones(1, 1, Top, Left, Formulario);
-    else
-        caja->DisponerBotones(2, 2, Top, Left, Formulario);
-    caja->PonerColumnaDevolver(ColumnaDevolver);
-    if (!mostrarModal(caja.get())) {
-        (void)caja.release();
-        return QString();
-    }
-    if (caja->Resultado() != float(CajaAceptar))
-        return QString();
-    return caja->TextoResultado();
 }
 
 } // namespace kvr

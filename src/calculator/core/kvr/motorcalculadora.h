@@ -71,8 +71,6 @@ public:
     // The whole tape, each line ended by "\r\n", and its lines.
     QString Papel() const { return m_papel; }
     QStringList LineasPapel() const;
-    // The last text meant for the clipboard (empty until a result is shown).
-    QString Copiado() const { return m_copiado; }
 
     // Observers, for the window: a tape line appended, the tape emptied, a text to copy.
     std::function<void(const QString &)> AlAnotar;
@@ -95,7 +93,6 @@ private:
     QString m_pantalla;
     QString m_lineaPantalla;
     QString m_papel;
-    QString m_copiado;
 };
 
 } // namespace kvr

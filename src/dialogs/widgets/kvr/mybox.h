@@ -116,7 +116,6 @@ public:
     // The column whose text a chosen row gives: the one titled ColumnaDevolver (or "#n"), found
     // by BuscarColumnaVisor; an empty title leaves column 0.
     void PonerColumnaDevolver(const QString &ColumnaDevolver);
-    float ColumnaDevolver() const { return m_columnaDevolver; }
 
     // True when the range in CampoTexto and CampoHasta is in order (an open range always is).
     bool DesdeHastaOk();
@@ -125,7 +124,6 @@ public:
     // control moves to `indice` and the others keep their order. The first visible control
     // that can take the focus has it when the box is shown.
     void PonerIndiceTab(QWidget *control, int indice);
-    QList<QWidget *> OrdenTab() const { return m_ordenTab; }
 
     // Handlers, named after the controls and events that run them.
     void Form_Load();
@@ -173,7 +171,7 @@ private:
     // NoRecordarCampo as it was before the range box's fields raised it.
     bool m_noRecordarAntes = false;
     // The grid column whose text a row choice returns (0: none asked for).
-    float m_columnaDevolver = 0;
+    int m_columnaDevolver = 0;
     // A key pressed in VisorMini is being handled: a move of its current cell chooses the row.
     bool m_teclaEnVisor = false;
 

@@ -6,8 +6,9 @@
 // Storage is compact so that a grid of a million rows stays small: the text of every column
 // lives in one UTF-8 buffer, a cell is an 8-byte reference (offset and length) into it, and the
 // visible order of the rows is a permutation of row slots, so that a sort or an insertion moves
-// 4-byte indices instead of strings. Attributes that are rarely set (bold cells, row heights)
-// are kept in sparse tables keyed by the row slot, so they follow their row through sorts.
+// 4-byte indices instead of strings. Bold cells are a sparse set and row heights a table made
+// when a row first gets a height of its own, both keyed by the row slot, so that they follow
+// their row through sorts.
 //
 // A view follows the grid through OyenteRejilla. While Redraw is false, no change is
 // announced; when Redraw becomes true again, one reset stands for all the changes made since.

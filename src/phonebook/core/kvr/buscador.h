@@ -23,7 +23,6 @@ public:
     // The text of the rows from `primeraFila` on, columns `columnas` run together.
     void Construir(const Rejilla &grid, const std::vector<int> &columnas, int primeraFila = 1);
     void Vaciar();
-    bool Vacio() const { return m_inicios.empty(); }
     int Filas() const { return int(m_inicios.size()); }
     // One flag per row of the index (row primeraFila + i): 1 when its text holds `texto`
     // (upper-cased here), 0 when it does not. An empty text is in every row.

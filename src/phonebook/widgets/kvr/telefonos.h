@@ -61,12 +61,6 @@ public:
     // place, a file that cannot be read): the error was shown and the window is never shown; it
     // deletes itself when asked to show.
     bool Cargada() const { return m_cargada; }
-    // Why the file is open for consulting only (it holds what the grid cannot keep, so a save
-    // would lose it); empty when it can be edited.
-    QString SoloConsulta() const { return m_soloConsulta; }
-    // True while a change the user made is in the grid but not in the file (its save was refused
-    // by a busy lock or failed): leaving then asks first.
-    bool SinGrabar() const { return m_sinGrabar; }
 
     // Handlers, named after the controls and events that run them.
     void Form_Load();
