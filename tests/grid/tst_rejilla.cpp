@@ -65,27 +65,6 @@ struct Registro : OyenteRejilla {
     }
 };
 
-// Key texts for the large sorts: long names that share long beginnings, with accents and
-// capitals, among empty cells, numbers, short texts and characters beyond Latin-1 (whose key bytes
-// hold zeros); or one long key for every row.
-QString claveGrande(bool iguales, QRandomGenerator &azar)
-{
-    static const QStringList apellidos = u"García Garrido González Gómez Martínez Martín Muñoz Núñez"_qs.split(u' ');
-    static const QStringList nombres = u"Ana|Ángel|María José|María|Íñigo|ana"_qs.split(u'|');
-    if (iguales)
-        return u"Martínez Fernández de la Torre, María José"_qs;
-    switch (azar.bounded(10)) {
-    case 0: return QString();
-    case 1: return QString::number(azar.bounded(200) - 100);
-    case 2: return u"%1,%2"_qs.arg(azar.bounded(50)).arg(azar.bounded(100));
-    case 3: return u"Ω%1 €"_qs.arg(azar.bounded(3)) + QString(QChar(0x4E00 + azar.bounded(3)));
-    case 4: return apellidos[azar.bounded(8)].left(1 + azar.bounded(6));
-    }
-    const QString apellido = apellidos[azar.bounded(8)];
-    const QString t = apellido + u' ' + apellidos[azar.bounded(8)] + u", "_qs + nombres[azar.bounded(6)];
-    return azar.bounded(4) == 0 ? t.toUpper() : t;
-}
-
 // Sets the current cell and the selection's other corner.
 void seleccionar(Rejilla &r, int fila, int col, int filaSel, int colSel)
 {
@@ -141,54 +120,6 @@ private Q_SLOTS:
         r.Sort(modo);
         QCOMPARE(datos(r, 1), orden);
         QCOMPARE(r.Col(), 0); // the sort moves rows, not the current cell
-    }
-
-    // Large sorts go through passes that a handful of rows never reach. Each is checked against
-    // the sort of two rows alone: every pair of neighbours in the result, sorted by itself from
-    // the order it had before, must come out in the same order (so equal keys keep their order).
-    void ordenarGrande_data()
-    {
-        QTest::addColumn<int>("modo");
-        QTest::addColumn<bool>("iguales");
-        QTest::newRow("con mayúsculas desc") << 8 << false;
-        QTest::newRow("todas iguales asc") << 5 << true;
-    }
-    void ordenarGrande()
-    {
-        QFETCH(int, modo);
-        QFETCH(bool, iguales);
-        const int filas = 70000; // more than a part split by one byte may hold
-        // Columns: key, order before the sort, a number to shuffle the rows by.
-        Rejilla r;
-        llenar(r, 3, {});
-        r.PonerRedraw(false);
-        QRandomGenerator azar(2009); // seeded: every run builds the same grid
-        for (int i = 0; i < filas; ++i)
-            r.AddItem(claveGrande(iguales, azar) + u"\t\t"_qs + QString::number(azar.bounded(1000000)));
-        // Shuffle, so that the rows' order is not the order they were stored in, and number them.
-        r.PonerCol(2);
-        r.Sort(OrdenNumericoAsc);
-        for (int f = 1; f <= filas; ++f)
-            r.PonerTextMatrix(f, 1, QString::number(f));
-        r.PonerCol(0);
-        r.Sort(modo);
-
-        Rejilla par;
-        const auto fila = [&r](int f) { return r.TextMatrix(f, 0) + u'\t' + r.TextMatrix(f, 1); };
-        for (int f = 1; f < filas; ++f) {
-            const int a = r.TextMatrix(f, 1).toInt(), b = r.TextMatrix(f + 1, 1).toInt();
-            llenar(par, 2, a < b ? QStringList{fila(f), fila(f + 1)} : QStringList{fila(f + 1), fila(f)});
-            par.PonerCol(0);
-            par.Sort(modo);
-            if (par.TextMatrix(1, 1).toInt() != a)
-                QFAIL(qPrintable(u"filas %1 y %2 fuera de orden: «%3» «%4»"_qs.arg(f).arg(f + 1)
-                                     .arg(r.TextMatrix(f, 0), r.TextMatrix(f + 1, 0))));
-        }
-        // Every row is there once: sorted back by its number, each is in its old place.
-        r.PonerCol(1);
-        r.Sort(OrdenNumericoAsc);
-        for (int f = 1; f <= filas; ++f)
-            QVERIFY2(r.TextMatrix(f, 1) == QString::number(f), qPrintable(u"fila %1"_qs.arg(f)));
     }
 
     // Several key columns, left to right whichever way the selection runs; the title row stays,
