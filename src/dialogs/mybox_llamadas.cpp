@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QPointer>
 
+#include <functional>
 #include <memory>
 
 namespace kvr {
@@ -30,40 +31,47 @@ bool mostrarModal(MyBox *caja)
     return !vigia.isNull();
 }
 
+// Builds a box over its owner, lets `preparar` fill it and shows it modally; null when the box was
+// destroyed meanwhile with its owner.
+std::unique_ptr<MyBox> mostrarCaja(QWidget *Formulario, const std::function<void(MyBox &)> &preparar)
+{
+    auto caja = std::make_unique<MyBox>(padreDe(Formulario));
+    preparar(*caja);
+    if (!mostrarModal(caja.get())) {
+        (void)caja.release(); // already destroyed with its owner
+        return nullptr;
+    }
+    return caja;
+}
+
 } // namespace
 
 float MyMsgBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono, int LosBotones,
                int BotonOmision, float Top, float Left, QWidget *Formulario)
 {
-    auto caja = std::make_unique<MyBox>(padreDe(Formulario));
-    caja->PonerMensaje(ElMensaje);
-    caja->PonerTitulo(ElTitulo);
-    caja->PonerIcono(ElIcono);
-    caja->DisponerBotones(LosBotones, BotonOmision, Top, Left, Formulario);
-    if (!mostrarModal(caja.get())) {
-        (void)caja.release(); // already destroyed with its owner
-        return CajaSinBoton;
-    }
-    return caja->Resultado();
+    const auto caja = mostrarCaja(Formulario, [&](MyBox &c) {
+        c.PonerMensaje(ElMensaje);
+        c.PonerTitulo(ElTitulo);
+        c.PonerIcono(ElIcono);
+        c.DisponerBotones(LosBotones, BotonOmision, Top, Left, Formulario);
+    });
+    return caja ? caja->Resultado() : float(CajaSinBoton);
 }
 
 QString MyInputBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono,
                    const QString &TagDelCampo, const QString &DatoInicial, float Top, float Left,
                    QWidget *Formulario, const QString &FicheroAyuda)
 {
-    auto caja = std::make_unique<MyBox>(padreDe(Formulario));
-    caja->PonerMensaje(ElMensaje);
-    caja->PonerTitulo(ElTitulo);
-    caja->PonerIcono(ElIcono);
-    caja->PonerAyuda(FicheroAyuda);
-    // "Aceptar" and "Cancelar", "Aceptar" first; the question's control comes before both.
-    caja->DisponerBotones(2, 1, Top, Left, Formulario);
-    caja->PrepararPregunta(TagDelCampo, DatoInicial);
-    if (!mostrarModal(caja.get())) {
-        (void)caja.release();
-        return QString();
-    }
-    if (caja->Resultado() != float(CajaAceptar))
+    const auto caja = mostrarCaja(Formulario, [&](MyBox &c) {
+        c.PonerMensaje(ElMensaje);
+        c.PonerTitulo(ElTitulo);
+        c.PonerIcono(ElIcono);
+        c.PonerAyuda(FicheroAyuda);
+        // "Aceptar" and "Cancelar", "Aceptar" first; the question's control comes before both.
+        c.DisponerBotones(2, 1, Top, Left, Formulario);
+        c.PrepararPregunta(TagDelCampo, DatoInicial);
+    });
+    if (!caja || caja->Resultado() != float(CajaAceptar))
         return QString();
     switch (TipoDePregunta(TagDelCampo)) {
     case TipoPregunta::Lista:
@@ -81,21 +89,18 @@ QString MyVisorBox(const QString &ElTitulo, const QString &Titulos,
                    const QVector<QStringList> &Matriz, int ElIcono,
                    const QString &ColumnaDevolver, float Top, float Left, QWidget *Formulario)
 {
-    auto caja = std::make_unique<MyBox>(padreDe(Formulario));
-    caja->PonerTitulo(ElTitulo);
-    caja->PonerIcono(ElIcono);
-    caja->PrepararVisor(Titulos, Matriz);
-    // Picking a row: "Aceptar" and "Cancelar", the focus on "Cancelar". Only looking: "Aceptar".
-    if (ColumnaDevolver.isEmpty())
-        caja->DisponerBotones(1, 1, Top, Left, Formulario);
-    else
-        caja->DisponerBotones(2, 2, Top, Left, Formulario);
-    caja->PonerColumnaDevolver(ColumnaDevolver);
-    if (!mostrarModal(caja.get())) {
-        (void)caja.release();
-        return QString();
-    }
-    if (caja->Resultado() != float(CajaAceptar))
+    const auto caja = mostrarCaja(Formulario, [&](MyBox &c) {
+        c.PonerTitulo(ElTitulo);
+        c.PonerIcono(ElIcono);
+        c.PrepararVisor(Titulos, Matriz);
+        // Picking a row: "Aceptar" and "Cancelar", the focus on "Cancelar". Only looking: "Aceptar".
+        if (ColumnaDevolver.isEmpty())
+            c.DisponerBotones(1, 1, Top, Left, Formulario);
+        else
+            c.DisponerBotones(2, 2, Top, Left, Formulario);
+        c.PonerColumnaDevolver(ColumnaDevolver);
+    });
+    if (!caja || caja->Resultado() != float(CajaAceptar))
         return QString();
     return caja->TextoResultado();
 }

@@ -305,20 +305,15 @@ void Rejilla::PonerColSel(int col)
 
 QString Rejilla::TextMatrix(int fila, int col) const
 {
-    comprobarFila(fila);
-    comprobarCol(col);
-    const Columna &c = m_columnas[std::size_t(col)];
-    const uint64_t ref = c.refs[ranura(fila)];
-    const uint64_t largo = largoDe(ref);
-    if (!largo)
+    const std::string_view bytes = CeldaUtf8(fila, col);
+    if (bytes.empty())
         return {};
-    const char *datos = c.bytes.data() + inicioDe(ref);
     // QString::fromUtf8 drops a leading byte-order mark; in a cell it is the user's character.
-    if (largo >= 3 && std::memcmp(datos, "\xEF\xBB\xBF", 3) == 0) {
+    if (bytes.starts_with("\xEF\xBB\xBF")) {
         QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
-        return utf8.decode(QByteArrayView(datos, qsizetype(largo)));
+        return utf8.decode(QByteArrayView(bytes.data(), qsizetype(bytes.size())));
     }
-    return QString::fromUtf8(datos, qsizetype(largo));
+    return QString::fromUtf8(bytes.data(), qsizetype(bytes.size()));
 }
 
 void Rejilla::PonerTextMatrix(int fila, int col, const QString &texto)

@@ -121,16 +121,8 @@ void frmTablas::Dimensionar(QWidget *Formulario, const QString &TagFormulario,
 
     PrepararCampo(ui->Elemento, TagElemento);
 
-    if (Cargar) {
-        EjecutarManejador([&] {
-            // An empty file name asks for one; that answer serves this load only.
-            QString fichero = TagDe(this);
-            int x = -1, y = -1;
-            posicionVisor(x, y);
-            FicheroTabla(OperacionCargar, fichero, grid, x, y);
-            ponerMarca(QString());
-        });
-    }
+    if (Cargar)
+        EjecutarManejador([&] { ficheroTabla(OperacionCargar); });
 }
 
 void frmTablas::Form_Load()
@@ -182,16 +174,18 @@ void frmTablas::cmdAceptar_Click()
     DevolverFoco(ui->Elemento);
 }
 
+void frmTablas::ficheroTabla(const QString &operacion)
+{
+    QString fichero = TagDe(this);
+    int x = -1, y = -1;
+    posicionVisor(x, y);
+    FicheroTabla(operacion, fichero, ui->VisorTabla->rejilla(), x, y);
+    ponerMarca(QString());
+}
+
 void frmTablas::cmdGrabar_Click()
 {
-    EjecutarManejador([&] {
-        // An empty file name asks for one every time: the answer is not kept.
-        QString fichero = TagDe(this);
-        int x = -1, y = -1;
-        posicionVisor(x, y);
-        FicheroTabla(OperacionRegrabar, fichero, ui->VisorTabla->rejilla(), x, y);
-        ponerMarca(QString());
-    });
+    EjecutarManejador([this] { ficheroTabla(OperacionRegrabar); }); // also when a host calls it
 }
 
 bool frmTablas::puedeSalir()

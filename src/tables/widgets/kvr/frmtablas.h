@@ -72,6 +72,9 @@ private:
     bool puedeSalir();
     // The grid's top-left corner on the screen, in twips.
     void posicionVisor(int &leftTwips, int &topTwips) const;
+    // Loads or saves the table file named by the window's tag (an empty name asks for one, and
+    // the answer serves this call only) and clears the change mark.
+    void ficheroTabla(const QString &operacion);
 
     std::unique_ptr<Ui::frmTablas> ui;
     // The row whose element is in the field (0: a new element).
