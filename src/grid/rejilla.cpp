@@ -17,7 +17,7 @@ constexpr uint64_t MaxLargo = (uint64_t(1) << 24) - 1;
 inline uint64_t largoDe(uint64_t ref) { return ref & MaxLargo; }
 inline uint64_t inicioDe(uint64_t ref) { return ref >> 24; }
 
-// UTF-16 to UTF-8, appended to `out`. A lone surrogate becomes U+FFFD.
+// UTF-16 to UTF-8, in place of what `out` held. A lone surrogate becomes U+FFFD.
 void aUtf8(QStringView texto, std::string &out)
 {
     out.clear();
@@ -517,8 +517,8 @@ qint64 Rejilla::BytesOcupados() const
     for (const Columna &c : m_columnas)
         total += qint64(sizeof(Columna) + c.bytes.capacity() + c.refs.capacity() * sizeof(uint64_t));
     total += qint64((m_orden.capacity() + m_libres.capacity()) * sizeof(uint32_t));
-    // Hash tables: one node and one bucket pointer per entry, roughly.
     total += qint64(m_altos.capacity() * sizeof(int32_t));
+    // The bold cells' hash set: one node and one bucket pointer an entry, roughly.
     total += qint64(m_negritas.size() * 24 + m_negritas.bucket_count() * sizeof(void *));
     return total;
 }
