@@ -27,13 +27,16 @@ ESCALERA = [
     ["launcher"],
 ]
 PELDANO = {capa: n for n, capas in enumerate(ESCALERA) for capa in capas}
+# Headers CMake writes into the build (generate_export_header): the libraries' export macros, at
+# the bottom of the ladder.
+GENERADAS = {"kvr_core_export": ("platform", "core"), "kvr_export": ("platform", "widgets")}
 INCLUDE = re.compile(r'^\s*#\s*include\s*[<"]kvr/(\w+)\.h[>"]', re.M)
 
 
 def main(raiz: pathlib.Path) -> int:
     src = raiz / "src"
     hallazgos = []
-    cabeceras = {}  # NAME -> (layer, library, path)
+    cabeceras = {n: (capa, bib, "(generada)") for n, (capa, bib) in GENERADAS.items()}  # NAME -> (layer, library, path)
     for h in sorted(src.glob("*/*/kvr/*.h")):
         capa, biblioteca = h.parts[-4], h.parts[-3]
         if capa not in PELDANO or biblioteca not in ("core", "widgets"):
@@ -76,7 +79,7 @@ def main(raiz: pathlib.Path) -> int:
     if hallazgos:
         print(f"escalera: {len(hallazgos)} hallazgo(s)", file=sys.stderr)
         return 1
-    print(f"escalera: {len(cabeceras)} cabeceras en {len(PELDANO)} capas, ninguna inclusión hacia arriba")
+    print(f"escalera: {len(cabeceras) - len(GENERADAS)} cabeceras en {len(PELDANO)} capas, ninguna inclusión hacia arriba")
     return 0
 
 

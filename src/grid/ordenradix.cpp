@@ -258,6 +258,8 @@ private:
 std::vector<uint32_t> OrdenarClavesRadix(std::vector<char> &claves, std::vector<uint32_t> &inicios,
                                          std::vector<uint32_t> &posiciones)
 {
+    if (posiciones.size() < 2) // nothing to sort (the passes take at least one key)
+        return posiciones;
     return OrdenRadix(claves, inicios, posiciones).ordenar();
 }
 
