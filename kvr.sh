@@ -9,6 +9,7 @@
 #   ./kvr.sh analisis  the include ladder (tools/escalera.py), then clang-tidy and clazy over
 #                    both libraries and the programs; fails on any finding (the checks and why
 #                    some are left out: .clang-tidy, and below)
+#   ./kvr.sh abi     the libraries' ABI against its record in abi/ ("./kvr.sh abi grabar" records it)
 #   ./kvr.sh cobertura  builds the coverage preset, runs every suite and prints the line and
 #                    branch coverage of libkvr_core and libkvr
 set -euo pipefail
@@ -18,7 +19,7 @@ PAQUETES=(cmake ninja-build g++ clang-14 libclang-rt-14-dev pkg-config
   qt6-base-dev qt6-base-dev-tools qt6-webengine-dev libgl-dev
   xvfb xauth xdotool cups cups-client printer-driver-cups-pdf libcups2-dev python3 procps
   libzip-dev zip unzip python3-stdnum poppler-utils desktop-file-utils llvm-14 help2man
-  clang-tidy-14 clazy)
+  clang-tidy-14 clazy abigail-tools)
 FUZZ_SEGUNDOS=${FUZZ_SEGUNDOS:-45}
 FUZZ_SEMILLA=${FUZZ_SEMILLA:-1}   # a fixed seed: a finding can be reproduced from the log
 
@@ -83,6 +84,48 @@ for e in json.load(open("build/default/compile_commands.json")):
   echo "== Análisis estático: nada que señalar"
 }
 
+# The ABI of both libraries against its record in abi/ (abidw, from abigail-tools): a change that
+# breaks hosts built against this release (abidiff's "incompatible change" bit) fails unless the
+# SONAME was raised with it; added names are reported and pass. "./kvr.sh abi grabar" records the
+# ABI of the default build (after a deliberate SONAME change, or when a release adds names).
+abi() {
+  local prefijo grabar="${1:-}" fallos=0
+  prefijo=$(mktemp -d)
+  cmake --install build/default --prefix "$prefijo" >/dev/null
+  for lib in kvr_core kvr; do
+    local so registro informe rc antes ahora
+    so=$(find "$prefijo" -name "lib$lib.so.*.*.*" | head -n 1)
+    registro="$prefijo/lib$lib.abi"
+    if [ "$grabar" = grabar ]; then
+      mkdir -p abi
+      abidw --headers-dir "$prefijo/include/kvr" --drop-private-types --no-corpus-path --out-file "$registro" "$so"
+      gzip -9n <"$registro" >"abi/lib$lib.abi.gz"
+      echo "== ABI de lib$lib grabada en abi/lib$lib.abi.gz"
+      continue
+    fi
+    gzip -dc "abi/lib$lib.abi.gz" >"$registro"
+    informe=$(mktemp)
+    set +e
+    abidiff --headers-dir2 "$prefijo/include/kvr" --drop-private-types "$registro" "$so" >"$informe" 2>&1
+    rc=$?
+    set -e
+    antes=$(grep -o "soname='[^']*'" "$registro" | head -n 1 | cut -d"'" -f2)
+    ahora=$(objdump -p "$so" | awk '/SONAME/ {print $2}')
+    if (( rc & 3 )); then
+      cat "$informe"; echo "== abidiff no pudo comparar lib$lib"; fallos=1
+    elif (( rc & 8 )) && [ "$antes" = "$ahora" ]; then
+      cat "$informe"; echo "== lib$lib rompe la ABI de $antes sin subir el SONAME"; fallos=1
+    elif (( rc & 4 )); then
+      echo "== lib$lib: cambios compatibles con $antes (o SONAME nuevo $ahora):"; head -n 20 "$informe"
+    else
+      echo "== lib$lib: la ABI es la de $antes"
+    fi
+    rm -f "$informe"
+  done
+  rm -rf "$prefijo"
+  return "$fallos"
+}
+
 fuzz() {
   cmake --preset fuzz
   cmake --build --preset fuzz
@@ -116,6 +159,7 @@ case "$caso" in
     impresoras
     ctest --preset default --output-on-failure
     analisis
+    abi
     cmake --preset asan
     cmake --build --preset asan
     ctest --preset asan --output-on-failure
@@ -148,6 +192,11 @@ case "$caso" in
     preparar
     compilar
     analisis
+    ;;
+  abi)
+    preparar
+    compilar
+    abi "${2:-}"
     ;;
   cobertura)
     preparar

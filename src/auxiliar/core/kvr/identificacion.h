@@ -2,6 +2,7 @@
 // Spanish tax identifiers: tells a DNI, NIE, NIF of other persons (K, L, M) or CIF apart and
 // checks its control character. Where LetraNIF only computes the letter of a number, this
 // validates a whole identifier as a customer form receives it.
+#include <kvr/kvr_core_export.h>
 #include <QChar>
 #include <QString>
 
@@ -9,7 +10,7 @@ namespace kvr {
 
 enum class TipoIdentificacion { Desconocido, DNI, NIE, NIFEspecial, CIF };
 
-struct Identificacion {
+struct KVR_CORE_EXPORT Identificacion {
     TipoIdentificacion tipo = TipoIdentificacion::Desconocido;
     bool valida = false;
     // Upper case, without blanks, dots, hyphens or the "ES" prefix of a VAT number.
@@ -22,6 +23,6 @@ struct Identificacion {
 // X = 0, Y = 1, Z = 2 in front. NIF of K, L, M: the letter of the 7 digits. CIF: an organisation
 // letter, 7 digits and a control that is a digit (A, B, E, H), a letter (K to M, N, P, Q, R, S, W)
 // or either (C, D, F, G, J, U, V).
-Identificacion ValidarIdentificacionFiscal(const QString &texto);
+KVR_CORE_EXPORT Identificacion ValidarIdentificacionFiscal(const QString &texto);
 
 } // namespace kvr

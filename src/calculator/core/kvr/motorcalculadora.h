@@ -5,6 +5,7 @@
 //
 // All state is text, as the calculator keeps it: numbers as their text with "." as decimal
 // point, lines as a number, one blank and the key that closed it ("5 +", "10 =").
+#include <kvr/kvr_core_export.h>
 #include <QString>
 #include <QStringList>
 
@@ -14,27 +15,27 @@ namespace kvr {
 
 // The line without its operator: when the second-last character is a blank, the line less its
 // last two characters; otherwise the line unchanged.
-QString SinOperador(const QString &linea);
+KVR_CORE_EXPORT QString SinOperador(const QString &linea);
 
 // Lenient reading: blanks anywhere are ignored, then a sign, digits and one "." are read up to
 // the first character that cannot continue the number. Never fails on text ("5 +" reads 5,
 // " =" reads 0); a number too large for a double raises ErrorEjecucion (overflow).
-double LeerNumero(const QString &texto);
+KVR_CORE_EXPORT double LeerNumero(const QString &texto);
 
 // The text of a typed key after the keyboard mapping: Enter (13) is "=", Backspace (8) is "<",
 // the letters n i c s e p are their capitals. Returns the index 0..23 of the key whose caption
 // equals it, or -1 when no key matches.
-int IndiceDeTecla(int keyAscii);
+KVR_CORE_EXPORT int IndiceDeTecla(int keyAscii);
 
 // The clipboard text as it is typed into the calculator: when it holds a ",", every "." is
 // dropped (thousands marks) and every "," becomes "." (decimal comma); otherwise unchanged.
-QString TextoParaPegar(const QString &portapapeles);
+KVR_CORE_EXPORT QString TextoParaPegar(const QString &portapapeles);
 
 // The size factor of a calculator command line: true when the line, with a blank appended,
 // begins with "+"; the factor is the number after the "+", and 0 (or none) counts as 1.
-bool FactorDeLineaComandos(const QString &linea, double &factor);
+KVR_CORE_EXPORT bool FactorDeLineaComandos(const QString &linea, double &factor);
 
-class MotorCalculadora {
+class KVR_CORE_EXPORT MotorCalculadora {
 public:
     // The captions of the 24 keys, by index: digits and point, "*" "<" "/" "%" "-" "S" "+" "="
     // "N" "I" "C" "E" "P".

@@ -5,6 +5,7 @@
 //
 // The window deletes itself when it closes (Salir, Escape): create it with new. From any window
 // of the runtime, F4 opens it by its name "MiCalc".
+#include <kvr/kvr_export.h>
 #include <kvr/motorcalculadora.h>
 
 #include <QWidget>
@@ -16,7 +17,7 @@ namespace Ui { class MiCalc; }
 
 namespace kvr {
 
-class MiCalc : public QWidget {
+class KVR_EXPORT MiCalc : public QWidget {
     Q_OBJECT
 public:
     explicit MiCalc(QWidget *parent = nullptr);

@@ -2,6 +2,7 @@
 // The rules of the runtime's message, input and range box (MyBox), without widgets: the lines of
 // a message, the button sets, the result codes, the kind of question a field descriptor asks,
 // range texts and their order, and where the box stands on the screen.
+#include <kvr/kvr_core_export.h>
 #include <kvr/servicios.h>
 
 #include <QRectF>
@@ -30,43 +31,43 @@ inline constexpr char16_t SeparadorRango = u'\u0192';
 
 // The message as the box shows it: every ";" is a line break, so "A;;B" gives the three lines
 // A, an empty line and B. The lines are joined with "\n", the line break of a Qt label.
-QString TextoMensaje(const QString &ElMensaje);
+KVR_CORE_EXPORT QString TextoMensaje(const QString &ElMensaje);
 
 // A button set: the captions of Boton(0), Boton(1) and Boton(2) (an empty caption: the button
 // is hidden) and the index of the button that takes the first place in the tab order.
-struct JuegoBotones {
+struct KVR_CORE_EXPORT JuegoBotones {
     std::array<QString, 3> titulos;
     int foco = 0;
 };
 // The set for LosBotones 1 to 6 with the initial focus chosen by BotonOmision (1: the leftmost
 // button of the set, 2: the second, anything else: the rightmost). nullopt for any other
 // number: the buttons keep their design captions and no focus is given.
-std::optional<JuegoBotones> JuegoDeBotones(int LosBotones, int BotonOmision);
+KVR_CORE_EXPORT std::optional<JuegoBotones> JuegoDeBotones(int LosBotones, int BotonOmision);
 
 // The result code of a button caption; nullopt for a caption that is none of the seven.
-std::optional<int> CodigoDeBoton(const QString &titulo);
+KVR_CORE_EXPORT std::optional<int> CodigoDeBoton(const QString &titulo);
 
 // What MyInputBox asks for, by TagDelCampo: exactly "TABLA" a choice from a list, a descriptor
 // ending in "(/)" a range, anything else a single value.
 enum class TipoPregunta { Valor, Rango, Lista };
-TipoPregunta TipoDePregunta(const QString &TagDelCampo);
+KVR_CORE_EXPORT TipoPregunta TipoDePregunta(const QString &TagDelCampo);
 
 // A range text cut at its first "ƒ": the lower and the upper bound; nullopt without one.
-std::optional<std::pair<QString, QString>> PartirRango(const QString &texto);
+KVR_CORE_EXPORT std::optional<std::pair<QString, QString>> PartirRango(const QString &texto);
 // The lower bound, "ƒ" and the upper bound.
-QString UnirRango(const QString &desde, const QString &hasta);
+KVR_CORE_EXPORT QString UnirRango(const QString &desde, const QString &hasta);
 
 // Whether the range from `desde` to `hasta` (the texts of two fields described by `tag`) is in
 // order. An empty (or all-blank) bound leaves the range open: true. By the type letter T:
 // "F" compares the two dates, "D" the numbers at the start of the texts as they stand, "N" and
 // "n" the numbers of their editing forms, any other type the texts by character codes. A date
 // that cannot be read throws ErrorEjecucion(TiposNoCoinciden).
-bool RangoEnOrden(const QString &desde, const QString &hasta, const QString &tag);
+KVR_CORE_EXPORT bool RangoEnOrden(const QString &desde, const QString &hasta, const QString &tag);
 
 // Where the box goes, in twips. `Top` and `Left` come in as the caller gave them and go out as
 // computed: -1 centres the box on `pantalla` in that direction; a `formulario` rectangle centres
 // it over that window whatever `Top` and `Left` were.
-void PosicionCaja(float &Top, float &Left, const QSizeF &caja, const QRectF &pantalla,
+KVR_CORE_EXPORT void PosicionCaja(float &Top, float &Left, const QSizeF &caja, const QRectF &pantalla,
                   const std::optional<QRectF> &formulario);
 
 } // namespace kvr

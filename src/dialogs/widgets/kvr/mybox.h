@@ -26,6 +26,7 @@
 // the keyboard, moving the current cell onto a data row chooses it and Enter in the grid
 // confirms like a double click. The colour swatch RGBText (hidden unless a caller shows it)
 // opens the desktop's colour dialog.
+#include <kvr/kvr_export.h>
 #include <kvr/cajas.h>
 
 #include <QDialog>
@@ -55,7 +56,7 @@ constexpr int NumeroIconos = 10;
 
 // Shows ElMensaje (";" starts a new line) under the title ElTitulo with icon ElIcono and the
 // button set LosBotones; returns the result code of the button pressed (0 if none was).
-float MyMsgBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono, int LosBotones,
+KVR_EXPORT float MyMsgBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono, int LosBotones,
                int BotonOmision, float Top = -1, float Left = -1, QWidget *Formulario = nullptr);
 
 // Asks for a value in a field that behaves by the descriptor TagDelCampo, for a range (a
@@ -64,7 +65,7 @@ float MyMsgBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono, i
 // that LlenarCombo reads). "Aceptar" returns the value in its editing form (the chosen entry as
 // it stands for a list); "Cancelar" or closing the box returns "". A FicheroAyuda that names an
 // existing file shows the "Ayuda" button, which opens it in the mini help window.
-QString MyInputBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono,
+KVR_EXPORT QString MyInputBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono,
                    const QString &TagDelCampo, const QString &DatoInicial = {}, float Top = -1,
                    float Left = -1, QWidget *Formulario = nullptr,
                    const QString &FicheroAyuda = {});
@@ -79,12 +80,12 @@ QString MyInputBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcon
 // when closed with "Aceptar"; a title no column has is reported and column 0 is used. Without
 // it only "Aceptar" is shown and a chosen row gives its column 0. No chosen row, "Cancelar" or
 // Escape: "".
-QString MyVisorBox(const QString &ElTitulo, const QString &Titulos,
+KVR_EXPORT QString MyVisorBox(const QString &ElTitulo, const QString &Titulos,
                    const QVector<QStringList> &Matriz, int ElIcono,
                    const QString &ColumnaDevolver, float Top = -1, float Left = -1,
                    QWidget *Formulario = nullptr);
 
-class MyBox : public QDialog {
+class KVR_EXPORT MyBox : public QDialog {
     Q_OBJECT
 public:
     explicit MyBox(QWidget *parent = nullptr);

@@ -1,12 +1,13 @@
 #pragma once
 // The keystroke rules of data-entry fields: which characters a field accepts, which it changes
 // and when the focus moves on.
+#include <kvr/kvr_core_export.h>
 #include <QString>
 
 namespace kvr {
 
 // What a field does with a typed character, decided from its tag, its text and its selection.
-struct DecisionTecla {
+struct KVR_CORE_EXPORT DecisionTecla {
     enum Accion { Ninguna, Tabulador, PorOmision };
     int codigo = 0;            // the character to deliver, 0 to swallow the key
     Accion accion = Ninguna;   // Tabulador: move to the next field; PorOmision: fill the "+" default
@@ -14,7 +15,7 @@ struct DecisionTecla {
 };
 // `codigo` is the typed character (8 Backspace, 13 Enter, else a UTF-16 code unit);
 // `inicioSeleccion` the caret position or the start of the selection, `largoSeleccion` its length.
-DecisionTecla DecidirTecla(const QString &tag, const QString &texto, int inicioSeleccion,
+KVR_CORE_EXPORT DecisionTecla DecidirTecla(const QString &tag, const QString &texto, int inicioSeleccion,
                            int largoSeleccion, int codigo);
 
 } // namespace kvr

@@ -3,6 +3,7 @@
 // behaviour with one call, PrepararCampo; from then on focus in, key presses and focus out run
 // CampoGotFocus, CampoKeyPress and CampoLostFocus. The tag text of any widget is its dynamic
 // property "tag" (a QString).
+#include <kvr/kvr_export.h>
 #include <QPointer>
 #include <QString>
 #include <QWidget>
@@ -13,11 +14,11 @@ namespace kvr {
 
 // True only while CampoGotFocus or CampoLostFocus rewrite a field's text: a host's textChanged
 // handler reads it to ignore changes that are not the user's.
-extern bool CambiandoTexto;
+extern KVR_EXPORT bool CambiandoTexto;
 // The last data-entry field that lost the focus (to give the focus back to it).
-extern QPointer<QWidget> UltimoCampo;
+extern KVR_EXPORT QPointer<QWidget> UltimoCampo;
 // While true, CampoLostFocus leaves UltimoCampo alone.
-extern bool NoRecordarCampo;
+extern KVR_EXPORT bool NoRecordarCampo;
 
 // A colour as the desktop's 32-bit colour value: red + green*256 + blue*65536.
 constexpr int ValorRGB(int rojo, int verde, int azul) { return rojo + verde * 256 + azul * 65536; }
@@ -25,39 +26,39 @@ constexpr int ValorRGB(int rojo, int verde, int azul) { return rojo + verde * 25
 constexpr int ColorEdicion = ValorRGB(192, 255, 255);
 
 // The widget's tag text (its "tag" property) and a setter.
-QString TagDe(const QObject *campo);
-void PonerTagDe(QObject *campo, const QString &tag);
+KVR_EXPORT QString TagDe(const QObject *campo);
+KVR_EXPORT void PonerTagDe(QObject *campo, const QString &tag);
 
 // Gives `campo` the field behaviour. A non-empty `tag` becomes its tag text first. Calling it
 // twice is harmless.
-void PrepararCampo(QWidget *campo, const QString &tag = {});
+KVR_EXPORT void PrepararCampo(QWidget *campo, const QString &tag = {});
 // PrepararCampo for every QLineEdit, QCheckBox and QComboBox inside `ventana` whose tag holds a
 // type entry "T(".
-void PrepararCampos(QWidget *ventana);
+KVR_EXPORT void PrepararCampos(QWidget *ventana);
 // Takes the behaviour away again.
-void QuitarCampo(QWidget *campo);
+KVR_EXPORT void QuitarCampo(QWidget *campo);
 
 // Decides a typed character by the field's tag: on return `keyAscii` is the character to
 // deliver, or 0 when the keystroke is swallowed. Enter moves to the next field, "+" fills the
 // field's default and moves on, a field that reaches its length passes the focus on.
-void CampoKeyPress(QWidget *campo, int &keyAscii);
+KVR_EXPORT void CampoKeyPress(QWidget *campo, int &keyAscii);
 // Saves the background colour in the tag (key P), paints the field light cyan, puts the editing
 // form in and selects it all.
-void CampoGotFocus(QWidget *campo);
+KVR_EXPORT void CampoGotFocus(QWidget *campo);
 // Restores the saved colour, puts the display form in and remembers the field in UltimoCampo.
-void CampoLostFocus(QWidget *campo);
+KVR_EXPORT void CampoLostFocus(QWidget *campo);
 // Selects the whole text of the field.
-void SeleccionarTodo(QWidget *campo);
+KVR_EXPORT void SeleccionarTodo(QWidget *campo);
 
 // Moves the focus on as a Tab keystroke would (posted, so it comes after the key being handled).
-void PulsarTab();
+KVR_EXPORT void PulsarTab();
 // Fills the field with its tag's "+" default and moves on.
-void ValorPorOmision(QWidget *campo);
+KVR_EXPORT void ValorPorOmision(QWidget *campo);
 // Selects the entry of a list whose trimmed text equals the trimmed value; nothing if none does.
-void SeleccionarEnCombo(QComboBox *combo, const QString &valor);
+KVR_EXPORT void SeleccionarEnCombo(QComboBox *combo, const QString &valor);
 
 // A colour as the desktop's 32-bit colour value (ValorRGB) and back.
-int ValorColor(const QColor &color);
-QColor ColorDeValor(int valor);
+KVR_EXPORT int ValorColor(const QColor &color);
+KVR_EXPORT QColor ColorDeValor(int valor);
 
 } // namespace kvr

@@ -9,6 +9,7 @@
 // [<|>]title[#chars][=|>]: "<" or ">" first aligns the title left or right (centred otherwise);
 // "=" or ">" last centres or right-aligns the cells (left otherwise); "#n" gives n characters of
 // 120 twips each, otherwise the title's own length does, and a title "?" alone is 0 wide.
+#include <kvr/kvr_core_export.h>
 #include <kvr/rejilla.h>
 
 #include <QList>
@@ -17,43 +18,43 @@
 namespace kvr {
 
 // One column of a descriptor line as read, its width in twips before scaling.
-struct ColumnaVisor {
+struct KVR_CORE_EXPORT ColumnaVisor {
     QString titulo;
     int ancho = 0;
     int alineacionTitulo = AlinCentro;
     int alineacion = AlinIzquierda;
     bool operator==(const ColumnaVisor &) const = default;
 };
-QList<ColumnaVisor> LeerDescriptores(const QString &linea);
+KVR_CORE_EXPORT QList<ColumnaVisor> LeerDescriptores(const QString &linea);
 
 // Prepares the grid's columns from a descriptor line: the grid is cleared and left with its
 // fixed rows and one empty data row; titles go into row 0, widths (scaled by the proportional
 // layout, EscalaX) and alignments into the columns. Redrawing is off meanwhile and the grid
 // repaints once.
-void CargarVisor(Rejilla &visor, const QString &descriptores);
+KVR_CORE_EXPORT void CargarVisor(Rejilla &visor, const QString &descriptores);
 
-QString LeerCelda(const Rejilla &visor, int fila, int col);
+KVR_CORE_EXPORT QString LeerCelda(const Rejilla &visor, int fila, int col);
 // Writes a cell, growing Rows when `fila` lies beyond the last row. With `sumar` the number in
 // the cell and the number in `texto` (both read by the regional settings, an empty cell being 0)
 // are added and the sum written through FormatoImporte with `conFormato` as its conCeros option
 // (so a zero total with `conFormato` false leaves the cell empty).
-void PonerCelda(Rejilla &visor, int fila, int col, const QString &texto, bool sumar = false,
+KVR_CORE_EXPORT void PonerCelda(Rejilla &visor, int fila, int col, const QString &texto, bool sumar = false,
                 bool conFormato = false);
 // Empties the cells below the fixed rows and right of the fixed columns; sizes are kept.
-void LimpiarVisor(Rejilla &visor);
+KVR_CORE_EXPORT void LimpiarVisor(Rejilla &visor);
 // Removes a row; a grid of exactly two rows keeps its data row, blanked instead.
-void QuitarFilaVisor(Rejilla &visor, int fila);
+KVR_CORE_EXPORT void QuitarFilaVisor(Rejilla &visor, int fila);
 // The column whose title (row 0) equals `titulo` exactly, or the number after a leading "#"
 // without searching. Not found: with `silencioso` -1; otherwise the critical message
 // "No encontrado ninguna columna con el título [titulo]" under "Búsqueda en [name]" is shown and
 // the result is 0.
-int BuscarColumnaVisor(const Rejilla &visor, const QString &titulo, bool silencioso = false);
+KVR_CORE_EXPORT int BuscarColumnaVisor(const Rejilla &visor, const QString &titulo, bool silencioso = false);
 // Sorts the data rows ascending by a column (-1: the current column). The grid's tag text holds
 // one kind letter per column (character c + 1 for column c): "F" dates, rewritten as
 // "dd/mm/yyyy" and sorted by date (a cell that is not a date becomes empty and sorts first);
 // "I" amounts, rewritten as "#,##0.00" and sorted by value; anything else text without regard
 // to case. With `marcarTitulo` the title of `columnaMarcada` (-1: the sort column) becomes bold
 // and the other titles plain. Col, Redraw and Visible are the same afterwards.
-void OrdenarVisor(Rejilla &visor, int columna = -1, bool marcarTitulo = false, int columnaMarcada = -1);
+KVR_CORE_EXPORT void OrdenarVisor(Rejilla &visor, int columna = -1, bool marcarTitulo = false, int columnaMarcada = -1);
 
 } // namespace kvr

@@ -12,6 +12,7 @@
 //
 // A view follows the grid through OyenteRejilla. While Redraw is false, no change is
 // announced; when Redraw becomes true again, one reset stands for all the changes made since.
+#include <kvr/kvr_core_export.h>
 #include <QString>
 
 #include <cstdint>
@@ -50,7 +51,7 @@ enum ErrorRejilla : int {
 
 // Receives the grid's changes. Every method has an empty default. Structural changes come in
 // pairs (antes..., then the change, then the ...Hecho call), so that an item model can wrap them.
-class OyenteRejilla {
+class KVR_CORE_EXPORT OyenteRejilla {
 public:
     virtual ~OyenteRejilla();
     virtual void antesDeReiniciar() {}
@@ -74,7 +75,7 @@ public:
     virtual void visibleCambiado(bool /*visible*/) {}
 };
 
-class Rejilla {
+class KVR_CORE_EXPORT Rejilla {
 public:
     // A grid like a new grid control: 2 rows, 2 columns, one fixed row and one fixed column.
     Rejilla();

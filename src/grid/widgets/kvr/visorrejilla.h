@@ -10,6 +10,7 @@
 //
 // The grid's Row and Col follow the current cell and the other way round. Click, ClickDerecho
 // and DobleClick give the grid row and column under the pointer (row 0 for the title row).
+#include <kvr/kvr_export.h>
 #include <kvr/rejilla.h>
 
 #include <QAbstractTableModel>
@@ -19,7 +20,7 @@ namespace kvr {
 
 // The item model a view uses to show a Rejilla. It reports the row and column counts it has
 // announced, so a view never sees the grid change under it while Redraw is off.
-class ModeloRejilla : public QAbstractTableModel, private OyenteRejilla {
+class KVR_EXPORT ModeloRejilla : public QAbstractTableModel, private OyenteRejilla {
     Q_OBJECT
 public:
     explicit ModeloRejilla(Rejilla &rejilla, QObject *parent = nullptr);
@@ -78,7 +79,7 @@ private:
     bool m_filtrada = false;
 };
 
-class VisorRejilla : public QTableView {
+class KVR_EXPORT VisorRejilla : public QTableView {
     Q_OBJECT
 public:
     explicit VisorRejilla(QWidget *parent = nullptr);

@@ -2,11 +2,12 @@
 // The runtime's start-up window. Started by itself the runtime is not a program: it says so and
 // ends. The never-shown form holds one widget of every kind the runtime's windows use, so that
 // an installation lacking one of them fails at start-up rather than when a host opens a window.
+#include <kvr/kvr_export.h>
 #include <QWidget>
 
 namespace kvr {
 
-class RTimeKVR : public QWidget {
+class KVR_EXPORT RTimeKVR : public QWidget {
     Q_OBJECT
 public:
     explicit RTimeKVR(QWidget *parent = nullptr);
@@ -19,6 +20,6 @@ public:
 };
 
 // What the start-up program does: create the form, load it, and return the exit code.
-int EjecutarRTimeKVR();
+KVR_EXPORT int EjecutarRTimeKVR();
 
 } // namespace kvr

@@ -10,6 +10,7 @@
 // whose objectName is set and does not begin with "qt_" (Qt's own parts of composite widgets,
 // such as a scroll area's viewport, are left to their owner). Controls managed by a QLayout keep
 // the layout's geometry; their fonts are still scaled.
+#include <kvr/kvr_export.h>
 #include <QRect>
 #include <QString>
 
@@ -20,12 +21,12 @@ namespace kvr {
 // The family that stands for the desktop's dialog font ("MS Shell Dlg 2"): the platform's
 // general system font (QFontDatabase::systemFont(GeneralFont)), e.g. "Sans Serif" under
 // fontconfig, the desktop's own choice under GNOME or KDE.
-QString FuenteDialogo();
+KVR_EXPORT QString FuenteDialogo();
 
 // Gives every control of `form`, and the window itself, the dialog font's family. A control
 // whose tag text holds "(FF)" keeps the family it was designed with (its size is still scaled
 // by Redimensionar).
-void PonerFuente(QWidget *form);
+KVR_EXPORT void PonerFuente(QWidget *form);
 
 // With `reutilizar` true: applies the factors already computed (nothing at all happens while
 // they are 0 or SinEscalar is raised) and reports the window's scaled size in `ancho` / `alto`.
@@ -35,23 +36,23 @@ void PonerFuente(QWidget *form);
 // scaled. A control parked below -50000 twips to the left stays out of sight. A grid is any
 // control with an invokable method "EscalarColumnas()" (called), or a QTableView / QTreeView
 // (its horizontal header's sections are scaled). Errors of single controls are ignored.
-void Redimensionar(QWidget *form, float &ancho, float &alto, bool reutilizar);
+KVR_EXPORT void Redimensionar(QWidget *form, float &ancho, float &alto, bool reutilizar);
 // For callers that do not need the sizes back.
-void Redimensionar(QWidget *form, bool reutilizar = true);
+KVR_EXPORT void Redimensionar(QWidget *form, bool reutilizar = true);
 
 // Centres `form` in the work area, one twip right of and below the exact centre.
-void Centrar(QWidget *form);
+KVR_EXPORT void Centrar(QWidget *form);
 
 // Width and height of the work area in twips (whole numbers).
-int AnchoUtil();
-int AltoUtil();
+KVR_EXPORT int AnchoUtil();
+KVR_EXPORT int AltoUtil();
 // Twips per pixel of the primary screen, horizontally and vertically.
-double TwipsPorPixelX();
-double TwipsPorPixelY();
+KVR_EXPORT double TwipsPorPixelX();
+KVR_EXPORT double TwipsPorPixelY();
 
 // For tests: a work area (in pixels, screen coordinates) and logical dpi to use instead of the
 // primary screen's. QuitarPantallaSimulada goes back to the real screen.
-void SimularPantalla(const QRect &areaUtil, double dpiX = 96.0, double dpiY = 96.0);
-void QuitarPantallaSimulada();
+KVR_EXPORT void SimularPantalla(const QRect &areaUtil, double dpiX = 96.0, double dpiY = 96.0);
+KVR_EXPORT void QuitarPantallaSimulada();
 
 } // namespace kvr

@@ -6,6 +6,7 @@
 // The reader is lenient: damaged, truncated or unbalanced input gives back whatever text could be
 // read, it never throws, every byte is looked at a bounded number of times and the memory used
 // grows with the input only (nesting deeper than LimiteGruposRtf keeps the innermost state).
+#include <kvr/kvr_core_export.h>
 #include <QByteArrayView>
 #include <QList>
 #include <QMap>
@@ -17,14 +18,14 @@ namespace kvr {
 inline constexpr int LimiteGruposRtf = 256;
 
 // One entry of the colour table; `automatico` is the empty entry (the reader's default colour).
-struct ColorRtf {
+struct KVR_CORE_EXPORT ColorRtf {
     int rojo = 0, verde = 0, azul = 0;
     bool automatico = true;
     bool operator==(const ColorRtf &) const = default;
 };
 
 // Character formatting of a run.
-struct FormatoRtf {
+struct KVR_CORE_EXPORT FormatoRtf {
     bool negrita = false;
     bool cursiva = false;
     bool subrayado = false;
@@ -37,14 +38,14 @@ struct FormatoRtf {
     bool operator==(const FormatoRtf &) const = default;
 };
 
-struct TramoRtf {
+struct KVR_CORE_EXPORT TramoRtf {
     QString texto;
     FormatoRtf formato;
 };
 
 enum class AlineacionRtf { Izquierda, Centro, Derecha, Justificada };
 
-struct TabuladorRtf {
+struct KVR_CORE_EXPORT TabuladorRtf {
     enum Tipo { Izquierdo, Centrado, Derecho, Decimal };
     int posicion = 0;  // twips from the left margin
     Tipo tipo = Izquierdo;
@@ -52,7 +53,7 @@ struct TabuladorRtf {
 };
 
 // A paragraph: its runs and the paragraph formatting in force at its end.
-struct ParrafoRtf {
+struct KVR_CORE_EXPORT ParrafoRtf {
     AlineacionRtf alineacion = AlineacionRtf::Izquierda;
     int sangriaIzquierda = 0;  // twips
     int sangriaDerecha = 0;
@@ -65,7 +66,7 @@ struct ParrafoRtf {
     QString Texto() const;
 };
 
-struct DocumentoRtf {
+struct KVR_CORE_EXPORT DocumentoRtf {
     QMap<int, QString> fuentes;  // font number -> family name
     QList<ColorRtf> colores;
     QList<ParrafoRtf> parrafos;
@@ -80,10 +81,10 @@ struct DocumentoRtf {
 
 // Reads RTF bytes. Input that is not RTF at all (no "{\rtf" at its start) is read as plain text:
 // UTF-8 when it is valid UTF-8, Windows-1252 otherwise, one paragraph a line.
-DocumentoRtf LeerRtf(QByteArrayView datos);
+KVR_CORE_EXPORT DocumentoRtf LeerRtf(QByteArrayView datos);
 
 // The name of the code page's converter for QStringDecoder ("windows-1252", "IBM850"...), or an
 // empty text when the number is not a code page the reader knows.
-QByteArray NombrePaginaCodigos(int pagina);
+KVR_CORE_EXPORT QByteArray NombrePaginaCodigos(int pagina);
 
 } // namespace kvr

@@ -6,6 +6,7 @@
 // Web pages are shown inside the window when the library was built with QtWebEngine
 // (KVR_CON_WEBENGINE). Without it, MiExplorer hands the page to the desktop's browser and the
 // window shows where the page went.
+#include <kvr/kvr_export.h>
 #include <QDialog>
 #include <QString>
 
@@ -18,7 +19,7 @@ class QWebEngineLoadingInfo;
 
 namespace kvr {
 
-class MiniHelp : public QDialog {
+class KVR_EXPORT MiniHelp : public QDialog {
     Q_OBJECT
 public:
     explicit MiniHelp(QWidget *parent = nullptr);

@@ -3,6 +3,7 @@
 // regard to case, the columns of a row taken as one run of text (a match may straddle two
 // cells). The upper-cased text of every row is kept in one buffer built once, so each keystroke
 // is a scan of that buffer and not a conversion of every cell.
+#include <kvr/kvr_core_export.h>
 #include <kvr/rejilla.h>
 
 #include <string>
@@ -14,11 +15,11 @@ namespace kvr {
 // Upper case of UTF-8 text, character by character (one character gives one character, as a
 // field's upper case does), appended to `destino`. A NUL becomes a blank, as a contacts file
 // reads it: the index ends each row's text with a NUL of its own.
-void MayusculasUtf8(std::string_view texto, std::string &destino);
+KVR_CORE_EXPORT void MayusculasUtf8(std::string_view texto, std::string &destino);
 // The same into a buffer with room for twice the bytes of `texto`; returns the end written.
-char *MayusculasUtf8(std::string_view texto, char *destino);
+KVR_CORE_EXPORT char *MayusculasUtf8(std::string_view texto, char *destino);
 
-class IndiceBusqueda {
+class KVR_CORE_EXPORT IndiceBusqueda {
 public:
     // The text of the rows from `primeraFila` on, columns `columnas` run together.
     void Construir(const Rejilla &grid, const std::vector<int> &columnas, int primeraFila = 1);

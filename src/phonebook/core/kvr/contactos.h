@@ -7,6 +7,7 @@
 // cells (spare, name, phone, fax, e-mail) joined by TAB. Lines are separated by CR alone and the
 // whole text ends in one CR LF; CR LF and LF alone are read too. The text is in the DOS code
 // page 850.
+#include <kvr/kvr_core_export.h>
 #include <kvr/ficheros.h>
 #include <kvr/rejilla.h>
 
@@ -22,7 +23,7 @@ inline const QString DescriptorContactos = QStringLiteral("#0;Nombre#34;Teléfon
 enum ColumnaContacto : int { ColNombre = 1, ColTelefono = 2, ColFax = 3, ColEmail = 4 };
 
 // CarpetaContactos() + "TELEFONO.DAT".
-QString RutaContactos();
+KVR_CORE_EXPORT QString RutaContactos();
 
 
 // Sets the grid's columns and fills it with the contacts of a file's bytes (the header line
@@ -30,13 +31,13 @@ QString RutaContactos();
 // `noRepresentable`, when given, receives why the grid cannot hold the text whole, so that a
 // save would lose part of it (a first line that is not the header, a line of more than five
 // cells), or stays empty.
-void ContactosDeTexto(QByteArrayView datos, Rejilla &grid, QString *noRepresentable = nullptr);
+KVR_CORE_EXPORT void ContactosDeTexto(QByteArrayView datos, Rejilla &grid, QString *noRepresentable = nullptr);
 // The file's bytes for a grid: every row, the header included, its cells joined by TAB, rows
 // by CR, CR LF at the end, in code page 850. A TAB, CR or LF inside a cell is written as a blank,
 // so that it cannot split the contact.
-QByteArray TextoContactos(const Rejilla &grid);
+KVR_CORE_EXPORT QByteArray TextoContactos(const Rejilla &grid);
 // Sorts the contacts by name without regard to case (equal names keep their order).
-void OrdenarContactos(Rejilla &grid);
+KVR_CORE_EXPORT void OrdenarContactos(Rejilla &grid);
 
 // Loads the file into the grid, sorted, and returns the version read, taken from the open file
 // itself, so that a save by somebody else while reading cannot be mistaken for what was read.
@@ -44,7 +45,7 @@ void OrdenarContactos(Rejilla &grid);
 // read, and a path that names a folder, a FIFO or a device, throw ErrorEjecucion naming it
 // (AccesoDenegado); nothing is opened that could block. `noRepresentable` as for
 // ContactosDeTexto.
-SelloFichero LeerFicheroContactos(const QString &ruta, Rejilla &grid, QString *noRepresentable = nullptr);
+KVR_CORE_EXPORT SelloFichero LeerFicheroContactos(const QString &ruta, Rejilla &grid, QString *noRepresentable = nullptr);
 
 enum class ResultadoGrabacion {
     Grabado,    // written; the version passed in is now the new file's
@@ -61,7 +62,7 @@ enum class ResultadoGrabacion {
 // the cause in Spanish, with the file untouched. The write is GrabarFicheroAtomico's: a link is
 // followed only to the user's own file in the same folder, and only our own stale temporary
 // files are removed.
-ResultadoGrabacion GrabarFicheroContactos(const QString &ruta, Rejilla &grid, SelloFichero &sello,
+KVR_CORE_EXPORT ResultadoGrabacion GrabarFicheroContactos(const QString &ruta, Rejilla &grid, SelloFichero &sello,
                                          int esperaMs = 4000);
 
 } // namespace kvr

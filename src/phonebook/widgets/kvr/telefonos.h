@@ -12,6 +12,7 @@
 // Saves never overwrite a file somebody else saved since this window read it: the save is
 // refused with a message and the window shows the other version. A save that cannot be written
 // leaves the contact in the grid and the file as it was.
+#include <kvr/kvr_export.h>
 #include <kvr/contactos.h>
 
 #include <QDateTime>
@@ -31,11 +32,11 @@ namespace kvr {
 class VisorRejilla;
 
 // The e-mail address last picked in a phone book (trimmed), for the host to read once it closes.
-extern QString ContactoElegido;
+extern KVR_EXPORT QString ContactoElegido;
 // The sender's name that the host sets, put into the subject of the e-mails started here.
-extern QString EnviadoPor;
+extern KVR_EXPORT QString EnviadoPor;
 
-class Telefonos : public QWidget {
+class KVR_EXPORT Telefonos : public QWidget {
     Q_OBJECT
 public:
     explicit Telefonos(QWidget *parent = nullptr);

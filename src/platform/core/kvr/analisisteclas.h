@@ -1,13 +1,14 @@
 #pragma once
 // Keys by name: the desktop's send-keys syntax ("Hola~", "{TAB 3}", "+{F4}", "^(ac)") turned into
 // key strokes, without widgets. <kvr/teclasnombre.h> delivers them.
+#include <kvr/kvr_core_export.h>
 #include <QList>
 #include <QString>
 #include <Qt>
 
 namespace kvr {
 
-struct PulsacionTecla {
+struct KVR_CORE_EXPORT PulsacionTecla {
     int tecla = 0;                                   // Qt::Key
     Qt::KeyboardModifiers modificadores = Qt::NoModifier;
     QString texto;                                   // the event's text
@@ -20,8 +21,8 @@ struct PulsacionTecla {
 // the next key or group in parentheses; and the escaped {+} {^} {%} {~} {(} {)} {{} {}} {[} {]}.
 // A name not known, an unclosed brace or parenthesis, a modifier with no key after it, a count
 // above 9999 or groups nested more than 100 deep: ErrorEjecucion 5.
-QList<PulsacionTecla> AnalizarTeclas(const QString &teclas);
+KVR_CORE_EXPORT QList<PulsacionTecla> AnalizarTeclas(const QString &teclas);
 // A text with the send-keys special characters escaped, so that EnviarTeclas types it as it is.
-QString TeclasLiterales(const QString &texto);
+KVR_CORE_EXPORT QString TeclasLiterales(const QString &texto);
 
 } // namespace kvr

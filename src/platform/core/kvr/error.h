@@ -2,6 +2,7 @@
 // Run-time errors of the runtime: an operation that the desktop runtime would stop with a
 // numbered error (an invalid argument, an overflow, an unreadable date, a file error) throws
 // ErrorEjecucion instead. Window handlers catch it and show it with the message box.
+#include <kvr/kvr_core_export.h>
 #include <QByteArray>
 #include <QString>
 #include <exception>
@@ -9,7 +10,7 @@
 
 namespace kvr {
 
-class ErrorEjecucion : public std::exception {
+class KVR_CORE_EXPORT ErrorEjecucion : public std::exception {
 public:
     // Numbers of the errors the runtime raises, with the desktop runtime's numbering.
     enum Numero : int {
@@ -42,7 +43,7 @@ private:
 // is shown through the seam's message box ("Error <n>: <text>", critical icon, the application's
 // title); the window goes on as the handler left it. `alFallar`, when given, runs before the
 // message (a window puts its display in order behind the box). False when an error was shown.
-bool EjecutarManejador(const std::function<void()> &manejador,
+KVR_CORE_EXPORT bool EjecutarManejador(const std::function<void()> &manejador,
                        const std::function<void()> &alFallar = {});
 
 // The one way a window wires a signal to its event handler:

@@ -3,6 +3,7 @@
 // input box, the application's title and the clock. A default is always in place (the widget
 // library installs one built on Qt's dialogs); a test or a host can put in its own with
 // PonerServicios.
+#include <kvr/kvr_core_export.h>
 #include <QDate>
 #include <QDateTime>
 #include <QString>
@@ -26,11 +27,11 @@ enum RespuestaMensaje : int {
 };
 // The caption of the button that gives an answer ("Aceptar", "Cancelar", "Abortar", "Reintentar",
 // "Ignorar", "Si", "No"), the same in every box of the runtime; empty for any other number.
-QString TituloRespuesta(int respuesta);
+KVR_CORE_EXPORT QString TituloRespuesta(int respuesta);
 // The answer a caption gives, the other way round; 0 for a caption that is none of them.
-int RespuestaDeTitulo(QStringView titulo);
+KVR_CORE_EXPORT int RespuestaDeTitulo(QStringView titulo);
 
-class Servicios {
+class KVR_CORE_EXPORT Servicios {
 public:
     virtual ~Servicios();
 
@@ -57,11 +58,11 @@ public:
 };
 
 // The services in use.
-Servicios &ServiciosActuales();
+KVR_CORE_EXPORT Servicios &ServiciosActuales();
 // Puts in other services (nullptr goes back to the default) and returns the ones replaced.
 // The caller keeps ownership.
-Servicios *PonerServicios(Servicios *nuevos);
+KVR_CORE_EXPORT Servicios *PonerServicios(Servicios *nuevos);
 // Used by the widget library to make its Qt implementation the default.
-void PonerServiciosPorOmision(Servicios *porOmision);
+KVR_CORE_EXPORT void PonerServiciosPorOmision(Servicios *porOmision);
 
 } // namespace kvr

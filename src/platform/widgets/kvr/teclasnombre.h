@@ -1,5 +1,6 @@
 #pragma once
 // Keys by name delivered as Qt key events, as if typed: the send-keys service of the desktop.
+#include <kvr/kvr_export.h>
 #include <kvr/analisisteclas.h>
 
 class QWidget;
@@ -10,6 +11,6 @@ namespace kvr {
 // handler returns, as typed keys would come: each to the widget that has the focus when it is
 // delivered (the active window when no control has it), or to `destino`. A syntax error throws
 // before anything is sent.
-void EnviarTeclas(const QString &teclas, QWidget *destino = nullptr);
+KVR_EXPORT void EnviarTeclas(const QString &teclas, QWidget *destino = nullptr);
 
 } // namespace kvr

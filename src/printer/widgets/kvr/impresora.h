@@ -17,6 +17,7 @@
 // default (its "orientation-requested" option, which Qt does not report). With no printer
 // installed it still opens and says so; "Aceptar" then leaves ImpresoraElegida empty and
 // ImpresoraCancelada true. Closing it by Escape or by its window is the same as "Cancelar".
+#include <kvr/kvr_export.h>
 #include <QDialog>
 #include <QIcon>
 #include <QMap>
@@ -32,13 +33,13 @@ namespace kvr {
 
 // Device name of the chosen printer, "Vertical" (portrait) or "Horizontal" (landscape), and
 // whether the user cancelled. "Cancelar" keeps the last accepted printer and orientation.
-extern QString ImpresoraElegida;
-extern QString OrientacionElegida;
-extern bool ImpresoraCancelada;
+extern KVR_EXPORT QString ImpresoraElegida;
+extern KVR_EXPORT QString OrientacionElegida;
+extern KVR_EXPORT bool ImpresoraCancelada;
 
 // The pictures of the orientations, keyed "Vertical", "Horizontal" and "Incognita" (shown while
 // the orientation is not known, as with no printer). The child "MisIconos" of the dialog.
-class ListaIconos : public QObject {
+class KVR_EXPORT ListaIconos : public QObject {
     Q_OBJECT
 public:
     explicit ListaIconos(QObject *parent = nullptr);
@@ -49,7 +50,7 @@ private:
     QMap<QString, QIcon> m_iconos;
 };
 
-class Impresora : public QDialog {
+class KVR_EXPORT Impresora : public QDialog {
     Q_OBJECT
 public:
     explicit Impresora(QWidget *parent = nullptr);
@@ -77,19 +78,19 @@ private:
 // (unchanged when it is empty) and OrientacionElegida's page orientation, which is also asked of
 // the print queue, so that a queue that prints landscape by default does not turn a portrait
 // page. Call it after the dialog was accepted.
-void AplicarImpresora(QPrinter &impresora);
+KVR_EXPORT void AplicarImpresora(QPrinter &impresora);
 
 // Default orientation of the print queue `cola` as the print system reports it: 1 portrait (also
 // when the queue has no such default), 2 landscape, 0 when the queue is unknown or the print
 // system cannot be reached.
-int OrientacionDeCola(const QString &cola);
+KVR_EXPORT int OrientacionDeCola(const QString &cola);
 
 // The calculator tape's context menu: "Imprimir cinta…" asks with Impresora and prints the
 // tape's lines in a fixed-width font on the chosen queue and orientation; "Guardar cinta…" saves
 // them to a text file. Installed on the tape by the calculator window.
-void PonerMenuCinta(QPlainTextEdit *papel);
+KVR_EXPORT void PonerMenuCinta(QPlainTextEdit *papel);
 // Prints `lineas` on the printer chosen with Impresora (the globals); false when nothing was
 // printed (cancelled, no printer, or the print system refused the job).
-bool ImprimirCinta(const QString &lineas, const QString &titulo);
+KVR_EXPORT bool ImprimirCinta(const QString &lineas, const QString &titulo);
 
 } // namespace kvr

@@ -17,6 +17,7 @@
 // archivo" (a file or folder that cannot be read or written), 76 "No se ha encontrado la ruta
 // de acceso" (the folder does not exist), 57 "Error de E/S en el dispositivo" (writing failed
 // on the way, e.g. a full disk).
+#include <kvr/kvr_core_export.h>
 #include <kvr/rejilla.h>
 
 #include <QString>
@@ -45,18 +46,18 @@ constexpr int ErrorRutaNoEncontrada = 76;
 // "Editor de Tablas de PQD", question "Path y Nombre del fichero a " + Operacion, top-left corner
 // at LeftTwips, TopTwips on the screen, -1 centred); the answer is written back into `Fichero`,
 // and an empty answer (cancelled or nothing typed) does nothing more.
-void FicheroTabla(const QString &Operacion, QString &Fichero, Rejilla &Grid, int LeftTwips,
+KVR_CORE_EXPORT void FicheroTabla(const QString &Operacion, QString &Fichero, Rejilla &Grid, int LeftTwips,
                   int TopTwips);
 // The same with the prompt centred on the screen.
-void FicheroTabla(const QString &Operacion, QString &Fichero, Rejilla &Grid);
+KVR_CORE_EXPORT void FicheroTabla(const QString &Operacion, QString &Fichero, Rejilla &Grid);
 
 // The text of a table file as it is written: the elements that are not empty or all blanks,
 // each followed by CR LF, in UTF-8.
-QByteArray TextoTabla(const QStringList &elementos);
+KVR_CORE_EXPORT QByteArray TextoTabla(const QStringList &elementos);
 // Fills a grid's column 0 from a table file's bytes, as a load does: the grid's rows blanked
 // first, then one element a line from row 1 (the grid grows when the file has more).
-void TablaDeTexto(const QByteArray &bytes, Rejilla &Grid);
+KVR_CORE_EXPORT void TablaDeTexto(const QByteArray &bytes, Rejilla &Grid);
 // The elements in column 0 of a grid's data rows (rows 1 and on), blanks included.
-QStringList ElementosTabla(const Rejilla &Grid);
+KVR_CORE_EXPORT QStringList ElementosTabla(const Rejilla &Grid);
 
 } // namespace kvr

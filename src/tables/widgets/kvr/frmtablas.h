@@ -16,6 +16,7 @@
 //
 // File errors (an unreadable or unwritable file) are shown in the desktop's message box and the
 // window stays usable; a failed save leaves the file on disk as it was.
+#include <kvr/kvr_export.h>
 #include <QString>
 #include <QWidget>
 
@@ -32,7 +33,7 @@ class VisorRejilla;
 // The grid's Tag while the table has changes not saved.
 inline const QString MarcaModificado = QStringLiteral("MODIFICADO");
 
-class frmTablas : public QWidget {
+class KVR_EXPORT frmTablas : public QWidget {
     Q_OBJECT
 public:
     explicit frmTablas(QWidget *parent = nullptr);
