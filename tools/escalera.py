@@ -36,7 +36,9 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*[<"]kvr/(\w+)\.h[>"]', re.M)
 def main(raiz: pathlib.Path) -> int:
     src = raiz / "src"
     hallazgos = []
-    cabeceras = {n: (capa, bib, "(generada)") for n, (capa, bib) in GENERADAS.items()}  # NAME -> (layer, library, path)
+    # NAME -> (layer, library, path)
+    cabeceras = {n: (capa, bib, "(generada)") for n, (capa, bib) in GENERADAS.items()}
+    listas = {}  # layer -> its CMakeLists.txt
     for h in sorted(src.glob("*/*/kvr/*.h")):
         capa, biblioteca = h.parts[-4], h.parts[-3]
         if capa not in PELDANO or biblioteca not in ("core", "widgets"):
@@ -45,8 +47,9 @@ def main(raiz: pathlib.Path) -> int:
         if h.stem in cabeceras:
             hallazgos.append(f"{h.relative_to(raiz)}: <kvr/{h.stem}.h> ya está en {cabeceras[h.stem][2]}")
         cabeceras[h.stem] = (capa, biblioteca, h.relative_to(raiz))
-        lista = (src / capa / "CMakeLists.txt").read_text()
-        if f"{biblioteca}/kvr/{h.name}" not in lista:
+        if capa not in listas:
+            listas[capa] = (src / capa / "CMakeLists.txt").read_text()
+        if f"{biblioteca}/kvr/{h.name}" not in listas[capa]:
             hallazgos.append(f"{h.relative_to(raiz)}: no figura en src/{capa}/CMakeLists.txt")
     for capa in sorted(p.name for p in src.iterdir() if p.is_dir()):
         if capa not in PELDANO:

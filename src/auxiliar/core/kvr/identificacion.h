@@ -3,6 +3,7 @@
 // checks its control character. Where LetraNIF only computes the letter of a number, this
 // validates a whole identifier as a customer form receives it.
 #include <kvr/kvr_core_export.h>
+
 #include <QChar>
 #include <QString>
 

@@ -3,6 +3,7 @@
 // cheque or an invoice total prints them ("mil doscientos treinta y cuatro euros con cincuenta y
 // seis céntimos"). Hosts upper-case the text themselves where they need to.
 #include <kvr/kvr_core_export.h>
+
 #include <QString>
 
 namespace kvr {
@@ -16,6 +17,7 @@ KVR_CORE_EXPORT QString NumeroEnLetras(qint64 numero);
 // "veintiún euros", "un millón de euros", no "con cero céntimos") or "ESP" (pesetas, feminine and
 // without céntimos: "veintiuna pesetas"). A negative amount starts with "menos". Out of range:
 // ErrorEjecucion 6; another currency: ErrorEjecucion 5.
-KVR_CORE_EXPORT QString ImporteEnLetras(double importe, const QString &moneda = QStringLiteral("EUR"));
+KVR_CORE_EXPORT QString ImporteEnLetras(double importe,
+                                        const QString &moneda = QStringLiteral("EUR"));
 
 } // namespace kvr

@@ -1,6 +1,7 @@
 #pragma once
 // The runtime's icon in the desktop's notification area (the tray).
 #include <kvr/kvr_export.h>
+
 #include <QString>
 
 class QMenu;

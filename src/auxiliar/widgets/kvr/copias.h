@@ -6,7 +6,9 @@
 namespace kvr {
 
 // The same for hosts: with `conProgreso`, the progress window shows the work.
-KVR_EXPORT bool CopiaSeguridad(const QStringList &rutas, const QString &zip, bool conProgreso = false);
-KVR_EXPORT bool RestaurarCopia(const QString &zip, const QString &carpeta, bool conProgreso = false);
+KVR_EXPORT bool CopiaSeguridad(const QStringList &rutas, const QString &zip,
+                               bool conProgreso = false);
+KVR_EXPORT bool RestaurarCopia(const QString &zip, const QString &carpeta,
+                               bool conProgreso = false);
 
 } // namespace kvr

@@ -6,6 +6,7 @@
 // All state is text, as the calculator keeps it: numbers as their text with "." as decimal
 // point, lines as a number, one blank and the key that closed it ("5 +", "10 =").
 #include <kvr/kvr_core_export.h>
+
 #include <QString>
 #include <QStringList>
 

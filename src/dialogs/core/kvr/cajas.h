@@ -67,7 +67,8 @@ KVR_CORE_EXPORT bool RangoEnOrden(const QString &desde, const QString &hasta, co
 // Where the box goes, in twips. `Top` and `Left` come in as the caller gave them and go out as
 // computed: -1 centres the box on `pantalla` in that direction; a `formulario` rectangle centres
 // it over that window whatever `Top` and `Left` were.
-KVR_CORE_EXPORT void PosicionCaja(float &Top, float &Left, const QSizeF &caja, const QRectF &pantalla,
-                  const std::optional<QRectF> &formulario);
+KVR_CORE_EXPORT void PosicionCaja(float &Top, float &Left, const QSizeF &caja,
+                                  const QRectF &pantalla,
+                                  const std::optional<QRectF> &formulario);
 
 } // namespace kvr

@@ -56,8 +56,9 @@ constexpr int NumeroIconos = 10;
 
 // Shows ElMensaje (";" starts a new line) under the title ElTitulo with icon ElIcono and the
 // button set LosBotones; returns the result code of the button pressed (0 if none was).
-KVR_EXPORT float MyMsgBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono, int LosBotones,
-               int BotonOmision, float Top = -1, float Left = -1, QWidget *Formulario = nullptr);
+KVR_EXPORT float MyMsgBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono,
+                          int LosBotones,
+                          int BotonOmision, float Top = -1, float Left = -1, QWidget *Formulario = nullptr);
 
 // Asks for a value in a field that behaves by the descriptor TagDelCampo, for a range (a
 // descriptor ending in "(/)": two fields, DatoInicial and the result as lower bound + "ƒ" +
@@ -66,9 +67,9 @@ KVR_EXPORT float MyMsgBox(const QString &ElMensaje, const QString &ElTitulo, int
 // it stands for a list); "Cancelar" or closing the box returns "". A FicheroAyuda that names an
 // existing file shows the "Ayuda" button, which opens it in the mini help window.
 KVR_EXPORT QString MyInputBox(const QString &ElMensaje, const QString &ElTitulo, int ElIcono,
-                   const QString &TagDelCampo, const QString &DatoInicial = {}, float Top = -1,
-                   float Left = -1, QWidget *Formulario = nullptr,
-                   const QString &FicheroAyuda = {});
+                              const QString &TagDelCampo, const QString &DatoInicial = {}, float Top = -1,
+                              float Left = -1, QWidget *Formulario = nullptr,
+                              const QString &FicheroAyuda = {});
 
 // Shows the table Matriz under the column descriptor line Titulos (titles and widths, as
 // CargarVisor reads it) with the title ElTitulo and icon ElIcono. Matriz[i][j] goes to grid row
@@ -81,9 +82,9 @@ KVR_EXPORT QString MyInputBox(const QString &ElMensaje, const QString &ElTitulo,
 // it only "Aceptar" is shown and a chosen row gives its column 0. No chosen row, "Cancelar" or
 // Escape: "".
 KVR_EXPORT QString MyVisorBox(const QString &ElTitulo, const QString &Titulos,
-                   const QVector<QStringList> &Matriz, int ElIcono,
-                   const QString &ColumnaDevolver, float Top = -1, float Left = -1,
-                   QWidget *Formulario = nullptr);
+                              const QVector<QStringList> &Matriz, int ElIcono,
+                              const QString &ColumnaDevolver, float Top = -1, float Left = -1,
+                              QWidget *Formulario = nullptr);
 
 class KVR_EXPORT MyBox : public QDialog {
     Q_OBJECT

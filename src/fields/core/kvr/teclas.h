@@ -2,6 +2,7 @@
 // The keystroke rules of data-entry fields: which characters a field accepts, which it changes
 // and when the focus moves on.
 #include <kvr/kvr_core_export.h>
+
 #include <QString>
 
 namespace kvr {
@@ -15,7 +16,8 @@ struct KVR_CORE_EXPORT DecisionTecla {
 };
 // `codigo` is the typed character (8 Backspace, 13 Enter, else a UTF-16 code unit);
 // `inicioSeleccion` the caret position or the start of the selection, `largoSeleccion` its length.
-KVR_CORE_EXPORT DecisionTecla DecidirTecla(const QString &tag, const QString &texto, int inicioSeleccion,
-                           int largoSeleccion, int codigo);
+KVR_CORE_EXPORT DecisionTecla DecidirTecla(const QString &tag, const QString &texto,
+                                           int inicioSeleccion,
+                                           int largoSeleccion, int codigo);
 
 } // namespace kvr

@@ -2,6 +2,7 @@
 // Editing and display forms of field values, date completion, identity letters and account
 // codes: the rules every data-entry field follows, without widgets.
 #include <kvr/kvr_core_export.h>
+
 #include <QDate>
 #include <QString>
 

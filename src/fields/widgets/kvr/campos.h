@@ -4,6 +4,7 @@
 // CampoGotFocus, CampoKeyPress and CampoLostFocus. The tag text of any widget is its dynamic
 // property "tag" (a QString).
 #include <kvr/kvr_export.h>
+
 #include <QPointer>
 #include <QString>
 #include <QWidget>

@@ -38,8 +38,9 @@ KVR_CORE_EXPORT QString LeerCelda(const Rejilla &visor, int fila, int col);
 // the cell and the number in `texto` (both read by the regional settings, an empty cell being 0)
 // are added and the sum written through FormatoImporte with `conFormato` as its conCeros option
 // (so a zero total with `conFormato` false leaves the cell empty).
-KVR_CORE_EXPORT void PonerCelda(Rejilla &visor, int fila, int col, const QString &texto, bool sumar = false,
-                bool conFormato = false);
+KVR_CORE_EXPORT void PonerCelda(Rejilla &visor, int fila, int col, const QString &texto,
+                                bool sumar = false,
+                                bool conFormato = false);
 // Empties the cells below the fixed rows and right of the fixed columns; sizes are kept.
 KVR_CORE_EXPORT void LimpiarVisor(Rejilla &visor);
 // Removes a row; a grid of exactly two rows keeps its data row, blanked instead.
@@ -48,13 +49,15 @@ KVR_CORE_EXPORT void QuitarFilaVisor(Rejilla &visor, int fila);
 // without searching. Not found: with `silencioso` -1; otherwise the critical message
 // "No encontrado ninguna columna con el título [titulo]" under "Búsqueda en [name]" is shown and
 // the result is 0.
-KVR_CORE_EXPORT int BuscarColumnaVisor(const Rejilla &visor, const QString &titulo, bool silencioso = false);
+KVR_CORE_EXPORT int BuscarColumnaVisor(const Rejilla &visor, const QString &titulo,
+                                       bool silencioso = false);
 // Sorts the data rows ascending by a column (-1: the current column). The grid's tag text holds
 // one kind letter per column (character c + 1 for column c): "F" dates, rewritten as
 // "dd/mm/yyyy" and sorted by date (a cell that is not a date becomes empty and sorts first);
 // "I" amounts, rewritten as "#,##0.00" and sorted by value; anything else text without regard
 // to case. With `marcarTitulo` the title of `columnaMarcada` (-1: the sort column) becomes bold
 // and the other titles plain. Col, Redraw and Visible are the same afterwards.
-KVR_CORE_EXPORT void OrdenarVisor(Rejilla &visor, int columna = -1, bool marcarTitulo = false, int columnaMarcada = -1);
+KVR_CORE_EXPORT void OrdenarVisor(Rejilla &visor, int columna = -1, bool marcarTitulo = false,
+                                  int columnaMarcada = -1);
 
 } // namespace kvr

@@ -13,6 +13,7 @@
 // A view follows the grid through OyenteRejilla. While Redraw is false, no change is
 // announced; when Redraw becomes true again, one reset stands for all the changes made since.
 #include <kvr/kvr_core_export.h>
+
 #include <QString>
 
 #include <cstdint>

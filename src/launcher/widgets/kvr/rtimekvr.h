@@ -3,6 +3,7 @@
 // ends. The never-shown form holds one widget of every kind the runtime's windows use, so that
 // an installation lacking one of them fails at start-up rather than when a host opens a window.
 #include <kvr/kvr_export.h>
+
 #include <QWidget>
 
 namespace kvr {

@@ -3,6 +3,7 @@
 // programs, a file-existence test, two number formatters for grids and reports, reading a text
 // file by lines and splitting a list text into entries.
 #include <kvr/kvr_core_export.h>
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -45,7 +46,8 @@ KVR_CORE_EXPORT bool Existe(const QString &ruta, bool carpeta = false);
 
 // The number at the start of `valor` (read with Val, "." decimal) formatted with `formato`
 // ("#,##0.00" when empty). With `conCeros` false a zero gives an empty string (a blank cell).
-KVR_CORE_EXPORT QString FormatoImporte(const QString &valor, const QString &formato = {}, bool conCeros = true);
+KVR_CORE_EXPORT QString FormatoImporte(const QString &valor, const QString &formato = {},
+                                       bool conCeros = true);
 // `valor` formatted with `formato` ("0.00" when empty); with `ancho` 1 or more, right-aligned in
 // exactly `ancho` characters (blanks in front, cut to the last `ancho`). Then the first "," of
 // the text becomes ".", so the decimal point is "." whatever the regional settings (a grouping

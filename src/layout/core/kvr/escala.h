@@ -33,13 +33,15 @@ constexpr float OrigenAparcado = -75000.0f;
 // work area; otherwise they are the wanted size in pixels. The smaller of the horizontal and
 // vertical factors is returned. nullopt when the window has no size or the result is not a
 // positive finite number (there is nothing to scale from).
-KVR_CORE_EXPORT std::optional<float> FactorProporcional(float anchoVentana, float altoVentana, float anchoUtil,
-                                        float altoUtil, float ancho, float alto,
-                                        float twipsPorPixelX, float twipsPorPixelY);
+KVR_CORE_EXPORT std::optional<float> FactorProporcional(float anchoVentana, float altoVentana,
+                                                        float anchoUtil,
+                                                        float altoUtil, float ancho, float alto,
+                                                        float twipsPorPixelX, float twipsPorPixelY);
 // FactorProporcional stored in FactorX and FactorY. Returns false (factors unchanged) when no
 // factor can be computed.
-KVR_CORE_EXPORT bool CalcularFactores(float anchoVentana, float altoVentana, float anchoUtil, float altoUtil,
-                      float ancho, float alto, float twipsPorPixelX, float twipsPorPixelY);
+KVR_CORE_EXPORT bool CalcularFactores(float anchoVentana, float altoVentana, float anchoUtil,
+                                      float altoUtil,
+                                      float ancho, float alto, float twipsPorPixelX, float twipsPorPixelY);
 
 // A control's scaled left edge, in the window's unit (`twipsPorPixel` 1 when it is twips).
 // A control parked below LimiteAparcado twips is scaled about OrigenAparcado, so it stays parked.

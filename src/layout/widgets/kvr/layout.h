@@ -11,6 +11,7 @@
 // such as a scroll area's viewport, are left to their owner). Controls managed by a QLayout keep
 // the layout's geometry; their fonts are still scaled.
 #include <kvr/kvr_export.h>
+
 #include <QRect>
 #include <QString>
 

@@ -3,6 +3,7 @@
 // (phone book), showing a runtime window by name, the current printer's index, the mouse-wheel
 // redirection of the phone book and filling a drop-down list from a list text.
 #include <kvr/kvr_export.h>
+
 #include <QString>
 #include <functional>
 

@@ -7,6 +7,7 @@
 // read, it never throws, every byte is looked at a bounded number of times and the memory used
 // grows with the input only (nesting deeper than LimiteGruposRtf keeps the innermost state).
 #include <kvr/kvr_core_export.h>
+
 #include <QByteArrayView>
 #include <QList>
 #include <QMap>

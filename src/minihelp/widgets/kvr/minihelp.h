@@ -7,6 +7,7 @@
 // (KVR_CON_WEBENGINE). Without it, MiExplorer hands the page to the desktop's browser and the
 // window shows where the page went.
 #include <kvr/kvr_export.h>
+
 #include <QDialog>
 #include <QString>
 

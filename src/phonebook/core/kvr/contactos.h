@@ -31,7 +31,8 @@ KVR_CORE_EXPORT QString RutaContactos();
 // `noRepresentable`, when given, receives why the grid cannot hold the text whole, so that a
 // save would lose part of it (a first line that is not the header, a line of more than five
 // cells), or stays empty.
-KVR_CORE_EXPORT void ContactosDeTexto(QByteArrayView datos, Rejilla &grid, QString *noRepresentable = nullptr);
+KVR_CORE_EXPORT void ContactosDeTexto(QByteArrayView datos, Rejilla &grid,
+                                      QString *noRepresentable = nullptr);
 // The file's bytes for a grid: every row, the header included, its cells joined by TAB, rows
 // by CR, CR LF at the end, in code page 850. A TAB, CR or LF inside a cell is written as a blank,
 // so that it cannot split the contact.
@@ -45,7 +46,8 @@ KVR_CORE_EXPORT void OrdenarContactos(Rejilla &grid);
 // read, and a path that names a folder, a FIFO or a device, throw ErrorEjecucion naming it
 // (AccesoDenegado); nothing is opened that could block. `noRepresentable` as for
 // ContactosDeTexto.
-KVR_CORE_EXPORT SelloFichero LeerFicheroContactos(const QString &ruta, Rejilla &grid, QString *noRepresentable = nullptr);
+KVR_CORE_EXPORT SelloFichero LeerFicheroContactos(const QString &ruta, Rejilla &grid,
+                                                  QString *noRepresentable = nullptr);
 
 enum class ResultadoGrabacion {
     Grabado,    // written; the version passed in is now the new file's
@@ -62,7 +64,8 @@ enum class ResultadoGrabacion {
 // the cause in Spanish, with the file untouched. The write is GrabarFicheroAtomico's: a link is
 // followed only to the user's own file in the same folder, and only our own stale temporary
 // files are removed.
-KVR_CORE_EXPORT ResultadoGrabacion GrabarFicheroContactos(const QString &ruta, Rejilla &grid, SelloFichero &sello,
-                                         int esperaMs = 4000);
+KVR_CORE_EXPORT ResultadoGrabacion GrabarFicheroContactos(const QString &ruta, Rejilla &grid,
+                                                          SelloFichero &sello,
+                                                          int esperaMs = 4000);
 
 } // namespace kvr

@@ -2,6 +2,7 @@
 // Keys by name: the desktop's send-keys syntax ("Hola~", "{TAB 3}", "+{F4}", "^(ac)") turned into
 // key strokes, without widgets. <kvr/teclasnombre.h> delivers them.
 #include <kvr/kvr_core_export.h>
+
 #include <QList>
 #include <QString>
 #include <Qt>

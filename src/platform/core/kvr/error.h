@@ -3,6 +3,7 @@
 // numbered error (an invalid argument, an overflow, an unreadable date, a file error) throws
 // ErrorEjecucion instead. Window handlers catch it and show it with the message box.
 #include <kvr/kvr_core_export.h>
+
 #include <QByteArray>
 #include <QString>
 #include <exception>
@@ -44,7 +45,7 @@ private:
 // title); the window goes on as the handler left it. `alFallar`, when given, runs before the
 // message (a window puts its display in order behind the box). False when an error was shown.
 KVR_CORE_EXPORT bool EjecutarManejador(const std::function<void()> &manejador,
-                       const std::function<void()> &alFallar = {});
+                                       const std::function<void()> &alFallar = {});
 
 // The one way a window wires a signal to its event handler:
 //     connect(ui->cmdAceptar, &QPushButton::clicked, this, Manejador(this, &Ventana::cmdAceptar_Click));

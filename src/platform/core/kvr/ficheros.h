@@ -4,6 +4,7 @@
 // or be written through, a symbolic link is never followed for writing outside its own folder,
 // and every cause the user sees is Spanish.
 #include <kvr/kvr_core_export.h>
+
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QDateTime>
@@ -54,8 +55,9 @@ struct KVR_CORE_EXPORT FalloFichero {
 // Reads a whole regular file. A path that names a folder, a FIFO, a device or a socket is
 // refused at once (never opened for reading, so a FIFO cannot block); a missing or unreadable
 // file too. `sello`, when given, receives the version of the very file that was read.
-KVR_CORE_EXPORT std::optional<FalloFichero> LeerFicheroRegular(const QString &ruta, QByteArray &datos,
-                                               SelloFichero *sello = nullptr);
+KVR_CORE_EXPORT std::optional<FalloFichero> LeerFicheroRegular(const QString &ruta,
+                                                               QByteArray &datos,
+                                                               SelloFichero *sello = nullptr);
 
 // The bytes of a regular file for the runtime's text files (tables, lists, INI files): empty when
 // there is no file; anything else that cannot be read throws ErrorEjecucion 75 "No se puede leer
@@ -73,7 +75,8 @@ KVR_CORE_EXPORT QByteArray LeerFicheroOVacio(const QString &ruta);
 // The temporary file is named ".<name>.kvr-XXXXXX.tmp" (six random characters). Such files of the
 // same name left by a save that was killed, when they belong to the user and are over a minute
 // old, are removed by the next save; no other file is ever removed.
-KVR_CORE_EXPORT std::optional<FalloFichero> GrabarFicheroAtomico(const QString &ruta, QByteArrayView datos);
+KVR_CORE_EXPORT std::optional<FalloFichero> GrabarFicheroAtomico(const QString &ruta,
+                                                                 QByteArrayView datos);
 
 // GrabarFicheroAtomico for the runtime's text files: a failure throws the runtime's own error for
 // the path, as a failed write of the desktop runtime does: 76 "No se ha encontrado la ruta de

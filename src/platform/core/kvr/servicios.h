@@ -4,6 +4,7 @@
 // library installs one built on Qt's dialogs); a test or a host can put in its own with
 // PonerServicios.
 #include <kvr/kvr_core_export.h>
+
 #include <QDate>
 #include <QDateTime>
 #include <QString>
@@ -11,15 +12,15 @@
 
 namespace kvr {
 
+// Positions and sizes of windows and boxes are given in twips: 1/1440 inch.
+constexpr float TwipsPorPulgada = 1440.0f;
+
 // Button sets and icons of the desktop message box, to be added together: Critico + SoloAceptar.
 enum BotonesMensaje : int {
     SoloAceptar = 0, AceptarCancelar = 1, AbortarReintentarIgnorar = 2, SiNoCancelar = 3,
     SiNo = 4, ReintentarCancelar = 5,
     Critico = 16, Pregunta = 32, Exclamacion = 48, Informacion = 64,
 };
-// Positions and sizes of windows and boxes are given in twips: 1/1440 inch.
-constexpr float TwipsPorPulgada = 1440.0f;
-
 // Answers of the message box: the button pressed.
 enum RespuestaMensaje : int {
     RespAceptar = 1, RespCancelar = 2, RespAbortar = 3, RespReintentar = 4, RespIgnorar = 5,

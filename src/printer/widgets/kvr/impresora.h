@@ -18,6 +18,7 @@
 // installed it still opens and says so; "Aceptar" then leaves ImpresoraElegida empty and
 // ImpresoraCancelada true. Closing it by Escape or by its window is the same as "Cancelar".
 #include <kvr/kvr_export.h>
+
 #include <QDialog>
 #include <QIcon>
 #include <QMap>

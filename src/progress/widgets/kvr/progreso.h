@@ -12,6 +12,7 @@
 // The times are read from the seam's clock (ServiciosActuales().Ahora()) as seconds since
 // midnight: a task that runs past midnight shows a negative elapsed time, as no correction is made.
 #include <kvr/kvr_export.h>
+
 #include <QString>
 #include <QWidget>
 
@@ -36,7 +37,7 @@ enum OperacionProgreso : int {
 // hundredth of the maximum's worth of calls, at the maximum itself, on the first advance after a
 // start and when forzar is true. Advancing, hiding or closing without a window does nothing.
 KVR_EXPORT void BarraProgreso(int operacion, float valor = 0, bool forzar = false, float minimo = 0,
-                   float maximo = 0, const QString &titulo = {});
+                              float maximo = 0, const QString &titulo = {});
 
 class KVR_EXPORT Progreso : public QWidget {
     Q_OBJECT

@@ -46,8 +46,9 @@ constexpr int ErrorRutaNoEncontrada = 76;
 // "Editor de Tablas de PQD", question "Path y Nombre del fichero a " + Operacion, top-left corner
 // at LeftTwips, TopTwips on the screen, -1 centred); the answer is written back into `Fichero`,
 // and an empty answer (cancelled or nothing typed) does nothing more.
-KVR_CORE_EXPORT void FicheroTabla(const QString &Operacion, QString &Fichero, Rejilla &Grid, int LeftTwips,
-                  int TopTwips);
+KVR_CORE_EXPORT void FicheroTabla(const QString &Operacion, QString &Fichero, Rejilla &Grid,
+                                  int LeftTwips,
+                                  int TopTwips);
 // The same with the prompt centred on the screen.
 KVR_CORE_EXPORT void FicheroTabla(const QString &Operacion, QString &Fichero, Rejilla &Grid);
 

@@ -17,6 +17,7 @@
 // File errors (an unreadable or unwritable file) are shown in the desktop's message box and the
 // window stays usable; a failed save leaves the file on disk as it was.
 #include <kvr/kvr_export.h>
+
 #include <QString>
 #include <QWidget>
 
