@@ -7,7 +7,6 @@
 #include <kvr/copias.h>
 #include <kvr/teclasnombre.h>
 
-#include <QKeySequence>
 #include <QLineEdit>
 #include <QMenu>
 #include <QSystemTrayIcon>
@@ -15,7 +14,6 @@
 #include <zlib.h>
 
 using namespace kvr;
-using prueba::resultado;
 
 namespace {
 

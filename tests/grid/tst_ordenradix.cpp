@@ -6,6 +6,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <numeric>
 #include <string>
 #include <string_view>
 
@@ -25,8 +26,7 @@ Posiciones ordenar(const Claves &claves)
     }
     inicios.push_back(uint32_t(bytes.size()));
     Posiciones posiciones(claves.size());
-    for (std::size_t i = 0; i < posiciones.size(); ++i)
-        posiciones[i] = uint32_t(i);
+    std::iota(posiciones.begin(), posiciones.end(), 0U);
     return kvr::OrdenarClavesRadix(bytes, inicios, posiciones);
 }
 
@@ -34,8 +34,7 @@ Posiciones ordenar(const Claves &claves)
 Posiciones referencia(const Claves &claves)
 {
     Posiciones p(claves.size());
-    for (std::size_t i = 0; i < p.size(); ++i)
-        p[i] = uint32_t(i);
+    std::iota(p.begin(), p.end(), 0U);
     std::stable_sort(p.begin(), p.end(), [&](uint32_t a, uint32_t b) {
         return std::string_view(claves[a]) < std::string_view(claves[b]);
     });
@@ -83,14 +82,11 @@ private Q_SLOTS:
             << Claves{k({9, 9, 0}), k({9, 0}), k({9, 9, 9, 0})} << Posiciones{1, 0, 2};
         QTest::newRow("iguales por posición")
             << Claves{k({7, 0}), k({3, 0}), k({7, 0}), k({3, 0}), k({7, 0})} << Posiciones{1, 3, 0, 2, 4};
-        QTest::newRow("ya en orden") << Claves{k({2, 0}), k({3, 0}), k({4, 0})} << Posiciones{0, 1, 2};
-        QTest::newRow("al revés") << Claves{k({4, 0}), k({3, 0}), k({2, 0})} << Posiciones{2, 1, 0};
     }
     void aMano()
     {
         QFETCH(Claves, claves);
-        QFETCH(Posiciones, orden);
-        QCOMPARE(ordenar(claves), orden);
+        QTEST(ordenar(claves), "orden");
     }
 
     void generadas_data()

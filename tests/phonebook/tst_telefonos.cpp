@@ -20,6 +20,7 @@
 #include <QTemporaryDir>
 #include <QWheelEvent>
 
+#include <functional>
 #include <optional>
 #include <utility>
 
@@ -50,15 +51,15 @@ QByteArray ficheroDe(const QStringList &contactos)
     return BytesDeDos(texto + u"\r\n"_qs);
 }
 
-// The names in the file, in file order.
-QStringList nombresEnDisco()
+// The names in the file, in file order, "," between.
+QString disco()
 {
     Rejilla g;
     LeerFicheroContactos(RutaContactos(), g);
     QStringList r;
     for (int f = 1; f < g.Rows(); ++f)
         r << g.TextMatrix(f, 1);
-    return r;
+    return r.join(u',');
 }
 
 // Runs the phone book process with these arguments to its end, or, with `matar`, kills it once
@@ -112,20 +113,27 @@ struct Ventana {
     QPointer<Telefonos> t;
     QString caja;
 
-    Ventana() { ContactoElegido = u"antes"_qs; }
-    ~Ventana() { delete t; }
-    Ventana(const Ventana &) = delete;
-    Ventana &operator=(const Ventana &) = delete;
-
-    void abrir()
+    // Opens the window; `respuesta`, when given, answers the box it shows as it opens.
+    explicit Ventana(const QString &respuesta = {})
     {
+        ContactoElegido = u"antes"_qs;
+        if (!respuesta.isEmpty())
+            responder(respuesta);
         t = new Telefonos;
         t->show();
         QCoreApplication::processEvents();
     }
+    ~Ventana() { delete t; }
+    Q_DISABLE_COPY(Ventana)
+
     VisorRejilla *rejilla() const { return control<VisorRejilla>(t, "Telfs"); }
-    void pulsar(const char *boton) const { prueba::pulsar(control<QPushButton>(t, boton)); }
-    void enfocar(const char *nombre) const { control(t, nombre)->setFocus(); }
+    // Presses a button; `respuesta`, when given, answers the box it shows.
+    void pulsar(const char *boton, const QString &respuesta = {})
+    {
+        if (!respuesta.isEmpty())
+            responder(respuesta);
+        prueba::pulsar(control<QPushButton>(t, boton));
+    }
     void escribir(const QString &texto) const { teclear(QApplication::focusWidget(), texto); }
     void tecla(const QString &teclas) const
     {
@@ -168,9 +176,13 @@ struct Ventana {
     }
 };
 
+// What a case does on the window.
+using Accion = std::function<void(Ventana &)>;
+
 } // namespace
 
 Q_DECLARE_METATYPE(Estorbo)
+Q_DECLARE_METATYPE(Accion)
 
 class TstTelefonos : public QObject {
     Q_OBJECT
@@ -326,8 +338,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, texto);
         Ventana v;
-        v.abrir();
-        v.enfocar("BuscoTLF");
+        control(v.t, "BuscoTLF")->setFocus();
         v.escribir(texto);
         QTEST(v.vistos(), "vistos");
         v.tecla(u"Ctrl+A"_qs);
@@ -350,7 +361,6 @@ private Q_SLOTS:
     {
         QFETCH(QString, nombre);
         Ventana v;
-        v.abrir();
         v.pulsar("cmdNuevo");
         QCOMPARE(nombreDelFoco(), u"Tlf(0)"_qs);
         QCOMPARE(v.estado(), u"LaEntrada"_qs);
@@ -359,7 +369,7 @@ private Q_SLOTS:
         QCOMPARE(nombreDelFoco(), u"Tlf(1)"_qs);
         v.escribir(u"955"_qs);
         v.pulsar("cmdAceptar");
-        QTEST(nombresEnDisco().join(u','), "disco");
+        QTEST(disco(), "disco");
         QTEST(nombreDelFoco(), "foco");
         QTEST(v.estado(), "estado");
     }
@@ -367,7 +377,6 @@ private Q_SLOTS:
     void editar()
     {
         Ventana v;
-        v.abrir();
         v.clic(1, 1);
         v.pulsar("cmdEditar");
         QCOMPARE(v.texto("Indice"), u"2"_qs);
@@ -375,7 +384,7 @@ private Q_SLOTS:
         v.tecla(u"Ctrl+A"_qs);
         v.escribir(u"Zacarías"_qs);
         v.pulsar("cmdAceptar");
-        QCOMPARE(nombresEnDisco().join(u','), u"Ana López,Carlos Peña,Diego,Eva,Francisco,Zacarías"_qs);
+        QCOMPARE(disco(), u"Ana López,Carlos Peña,Diego,Eva,Francisco,Zacarías"_qs);
     }
 
     void suprimir_data()
@@ -390,12 +399,10 @@ private Q_SLOTS:
     {
         QFETCH(QString, respuesta);
         Ventana v;
-        v.abrir();
         v.clic(4, 2);
-        v.responder(respuesta);
-        v.pulsar("cmdBorrar");
+        v.pulsar("cmdBorrar", respuesta);
         QCOMPARE(v.caja, u"¿ Confirma que desea ELIMINAR el contacto seleccionado ?"_qs);
-        QTEST(nombresEnDisco().join(u','), "disco");
+        QTEST(disco(), "disco");
         QTEST(v.estado(), "estado");
     }
 
@@ -407,14 +414,13 @@ private Q_SLOTS:
         qunsetenv("TLF");
         qputenv("XDG_DATA_HOME", QFile::encodeName(ruta(u"xdg"_qs)));
         Ventana v;
-        v.abrir();
         QCOMPARE(v.estado(), u"Marco(1)"_qs);
         QVERIFY(!v.t->FechaContactos().isValid());
         v.pulsar("cmdNuevo");
         QCOMPARE(v.texto("Indice"), u"1"_qs);
         v.escribir(u"Ana"_qs);
         v.pulsar("cmdAceptar");
-        QCOMPARE(nombresEnDisco(), L({"Ana"}));
+        QCOMPARE(disco(), u"Ana"_qs);
         QCOMPARE(v.t->FechaContactos(), QFileInfo(RutaContactos()).lastModified());
     }
 
@@ -422,7 +428,6 @@ private Q_SLOTS:
     void titulosYContacto()
     {
         Ventana v;
-        v.abrir();
         v.clicTitulo(1);
         QCOMPARE(v.estado(), u"Marco(1) cmdFax"_qs);
         QCOMPARE(v.vistos(), Todos);
@@ -444,7 +449,6 @@ private Q_SLOTS:
     {
         QFETCH(int, col);
         Ventana v;
-        v.abrir();
         v.clic(2, col, Qt::RightButton);
         QTRY_VERIFY(!v.t);
         QTEST(ContactoElegido, "elegido");
@@ -455,35 +459,26 @@ private Q_SLOTS:
     void entregas_data()
     {
         QTest::addColumn<QString>("por");
-        QTest::addColumn<QString>("accion"); // a button, or "doble" on the cell (fila, col), or "títulos" col
-        QTest::addColumn<int>("fila");
-        QTest::addColumn<int>("col");
+        QTest::addColumn<Accion>("accion");
         QTest::addColumn<QString>("registro");
-        QTest::newRow("correo con asunto") << u"Almacén Sur"_qs << u"doble"_qs << 0 << 4
+        QTest::newRow("correo con asunto") << u"Almacén Sur"_qs << Accion([](Ventana &v) { v.doble(0, 4); })
                                            << u"mailto:ana@lopez.es?Subject=Envio realizado por Almacén Sur"_qs;
-        QTest::newRow("contacto sin correo") << QString() << u"doble"_qs << 4 << 4 << u"mailto:"_qs;
-        QTest::newRow("botón eMail") << u"Sur"_qs << u"cmdEmail"_qs << 0 << 0
+        QTest::newRow("contacto sin correo") << QString() << Accion([](Ventana &v) { v.doble(4, 4); }) << u"mailto:"_qs;
+        QTest::newRow("botón eMail") << u"Sur"_qs << Accion([](Ventana &v) { v.pulsar("cmdEmail"); })
                                      << u"mailto:?Subject=Envio realizado por Sur"_qs;
-        QTest::newRow("fax") << QString() << u"doble"_qs << 5 << 3
+        QTest::newRow("fax") << QString() << Accion([](Ventana &v) { v.doble(5, 3); })
                              << u"TLF/Telecopia|[E(Francisco) F(952 000 000) ]"_qs;
-        QTest::newRow("botón Fax") << QString() << u"cmdFax"_qs << 0 << 0 << u"TLF/Telecopia"_qs;
-        QTest::newRow("doble clic en los títulos") << QString() << u"títulos"_qs << 0 << 4 << QString();
+        QTest::newRow("botón Fax") << QString() << Accion([](Ventana &v) { v.pulsar("cmdFax"); }) << u"TLF/Telecopia"_qs;
+        QTest::newRow("doble clic en los títulos") << QString() << Accion([](Ventana &v) { v.clicTitulo(4, true); })
+                                                   << QString();
     }
     void entregas()
     {
-        QFETCH(QString, accion);
-        QFETCH(int, fila);
-        QFETCH(int, col);
         QFETCH(QString, por);
+        QFETCH(Accion, accion);
         EnviadoPor = por;
         Ventana v;
-        v.abrir();
-        if (accion == u"doble")
-            v.doble(fila, col);
-        else if (accion == u"títulos")
-            v.clicTitulo(col, true);
-        else
-            v.pulsar(accion.toLatin1().constData());
+        accion(v);
         (void)QTest::qWaitFor([this] { return QFile::exists(m_registro); }, 3000);
         QString registro = QString::fromUtf8(QFile::exists(m_registro) ? leer(m_registro) : QByteArray());
         QTEST(conTLF(registro.trimmed().replace(u'\n', u'|')), "registro");
@@ -494,16 +489,14 @@ private Q_SLOTS:
     void otroProcesoGrabaAntes()
     {
         Ventana v;
-        v.abrir();
         QCOMPARE(agenda({u"agregar"_qs, u"1"_qs, u"Otro"_qs}), u"GRABADO Otro0"_qs);
         v.pulsar("cmdNuevo");
         QCOMPARE(v.estado(), u"LaEntrada FueModificado"_qs);
         v.escribir(u"Mío"_qs);
-        v.responder(u"Aceptar"_qs);
-        v.pulsar("cmdAceptar");
+        v.pulsar("cmdAceptar", u"Aceptar"_qs);
         QCOMPARE(v.caja, u"Fichero de contactos fué modificado.\n\nSu cambio no pudo grabarse."_qs);
         QCOMPARE(v.vistos(), Todos + u",Otro0"_qs);
-        QCOMPARE(nombresEnDisco().join(u','), Todos + u",Otro0"_qs);
+        QCOMPARE(disco(), Todos + u",Otro0"_qs);
     }
 
     // What a save of a new contact finds against the version this window read, put in place
@@ -545,7 +538,6 @@ private Q_SLOTS:
         QFETCH(QString, caja);
         qputenv("TLF", QFile::encodeName(m_dir->path() + u'/'));
         Ventana v;
-        v.abrir();
         QLockFile cerrojo(RutaContactos() + u".lock"_qs);
         std::optional<DiscoLleno> lleno;
         switch (estorbo) {
@@ -563,13 +555,11 @@ private Q_SLOTS:
         v.pulsar("cmdNuevo");
         QTEST(v.estado().contains(u"FueModificado"_qs), "aviso");
         v.escribir(u"Nuevo"_qs);
-        if (!caja.isEmpty())
-            v.responder(u"Aceptar"_qs);
-        v.pulsar("cmdAceptar");
-        lleno.reset();
+        v.pulsar("cmdAceptar", caja.isEmpty() ? QString() : u"Aceptar"_qs); // a refused save asks
+        lleno.reset(); // before anything is written, the test's own output included
         QVERIFY2(coincide(conTLF(v.caja), caja), qPrintable(v.caja));
         QTEST(v.vistos(), "vistos");
-        QTEST(nombresEnDisco().join(u','), "disco");
+        QTEST(disco(), "disco");
     }
 
     // What is not a regular file in the contacts file's place is refused at once, with no window.
@@ -587,9 +577,7 @@ private Q_SLOTS:
         QVERIFY(QFile::remove(RutaContactos()));
         const QByteArray f = QFile::encodeName(RutaContactos());
         QVERIFY(carpeta ? QDir().mkdir(RutaContactos()) : ::mkfifo(f.constData(), 0644) == 0);
-        Ventana v;
-        v.responder(u"Aceptar"_qs);
-        v.abrir();
+        Ventana v(u"Aceptar"_qs);
         QTEST(conTLF(v.caja), "caja");
         QVERIFY(!v.t || !v.t->isVisible());
     }
@@ -599,9 +587,7 @@ private Q_SLOTS:
     {
         const QByteArray todo = ficheroDe(Agenda);
         escribir(RutaContactos(), todo.mid(todo.indexOf('\r') + 1));
-        Ventana v;
-        v.responder(u"Aceptar"_qs);
-        v.abrir();
+        Ventana v(u"Aceptar"_qs);
         QCOMPARE(conTLF(v.caja), u"El fichero de contactos TLF/TELEFONO.DAT se abre solo para consulta: su primera "
                                  "línea no es la cabecera de la agenda.\n\nAl grabarlo se perdería lo que la agenda "
                                  "no puede mostrar."_qs);
@@ -626,43 +612,36 @@ private Q_SLOTS:
         QFETCH(QString, respuesta);
         escribir(RutaContactos(), ficheroDe(L({"|111", "|222"})));
         Ventana v;
-        v.abrir();
-        v.responder(respuesta);
-        v.pulsar("cmdNuevo");
+        v.pulsar("cmdNuevo", respuesta);
         QCOMPARE(v.caja, u"La primera fila de la lista tiene datos, aunque no tiene nombre.\n\n¿ Desea escribir el "
                          "contacto nuevo sobre ella ?\n\n(No: se añade como contacto nuevo.)"_qs);
         QTEST(v.texto("Indice"), "indice");
         v.escribir(u"Nuevo"_qs);
         v.pulsar("cmdAceptar");
-        QTEST(nombresEnDisco().join(u','), "disco");
+        QTEST(disco(), "disco");
     }
 
     // A contact that could not be saved is not left behind without a question.
     void cerrojoYSalir()
     {
         Ventana v;
-        v.abrir();
         v.pulsar("cmdNuevo");
         v.escribir(u"Nuevo"_qs);
         QLockFile cerrojo(RutaContactos() + u".lock"_qs);
         QVERIFY(cerrojo.tryLock(0));
-        v.responder(u"Aceptar"_qs);
-        v.pulsar("cmdAceptar");
-        v.responder(u"No"_qs);
-        v.pulsar("cmdSalir");
+        v.pulsar("cmdAceptar", u"Aceptar"_qs);
+        v.pulsar("cmdSalir", u"No"_qs);
         QCOMPARE(v.caja, u"Datos han sido modificados.\n\n¿ Desea salir sin grabar ?"_qs);
         QVERIFY(v.t && v.t->isVisible());
-        v.responder(u"Si"_qs);
-        v.pulsar("cmdSalir");
+        v.pulsar("cmdSalir", u"Si"_qs);
         QVERIFY(!v.t || !v.t->isVisible());
-        QCOMPARE(nombresEnDisco().join(u','), Todos);
+        QCOMPARE(disco(), Todos);
     }
 
     // While active, a wheel turned anywhere over the window scrolls the grid a line a notch.
     void rueda()
     {
         Ventana v;
-        v.abrir();
         QVERIFY(mostrarActiva(v.t));
         VisorRejilla *g = v.rejilla();
         g->setFixedHeight(g->rowHeight(0) * 4); // the sample's rows no longer fit
@@ -683,7 +662,7 @@ private Q_SLOTS:
         QProcess procesos[4];
         for (int p = 0; p < 4; ++p)
             procesos[p].start(QStringLiteral(AGENDA_PROCESO), {u"agregar"_qs, u"50"_qs, u"P%1-"_qs.arg(p)});
-        QStringList esperado = nombresEnDisco(), grabados;
+        QStringList esperado = disco().split(u','), grabados;
         for (QProcess &p : procesos) {
             QVERIFY(p.waitForFinished(120000));
             for (const QString &linea : QString::fromUtf8(p.readAllStandardOutput()).split(u'\n'))
@@ -693,7 +672,7 @@ private Q_SLOTS:
         QVERIFY(!grabados.isEmpty());
         esperado += grabados;
         esperado.sort();
-        QStringList final = nombresEnDisco();
+        QStringList final = disco().split(u',');
         final.sort();
         QCOMPARE(final, esperado);
     }
