@@ -10,6 +10,9 @@
 #                    both libraries and the programs; fails on any finding (the checks and why
 #                    some are left out: .clang-tidy, and below)
 #   ./kvr.sh abi     the libraries' ABI against its record in abi/ ("./kvr.sh abi grabar" records it)
+#   ./kvr.sh paquetes  the Debian packages libkvr1, libkvr-dev and kvr into build/paquetes/, and
+#                    lintian over them ("./kvr.sh paquetes prueba", as root: install them, build
+#                    the example host against them with CMake and with pkg-config, purge them)
 #   ./kvr.sh cobertura  builds the coverage preset, runs every suite and prints the line and
 #                    branch coverage of libkvr_core and libkvr
 set -euo pipefail
@@ -19,7 +22,7 @@ PAQUETES=(cmake ninja-build g++ clang-14 libclang-rt-14-dev pkg-config
   qt6-base-dev qt6-base-dev-tools qt6-webengine-dev libgl-dev
   xvfb xauth xdotool cups cups-client printer-driver-cups-pdf libcups2-dev python3 procps
   libzip-dev zip unzip python3-stdnum poppler-utils desktop-file-utils llvm-14 help2man
-  clang-tidy-14 clazy abigail-tools)
+  clang-tidy-14 clazy abigail-tools dpkg-dev lintian doxygen)
 FUZZ_SEGUNDOS=${FUZZ_SEGUNDOS:-45}
 FUZZ_SEMILLA=${FUZZ_SEMILLA:-1}   # a fixed seed: a finding can be reproduced from the log
 
@@ -126,6 +129,24 @@ abi() {
   return "$fallos"
 }
 
+# The three Debian packages into build/paquetes/, built with Debian's hardening flags, and
+# lintian over them: an error fails; the warnings left are named in the README.
+paquetes() {
+  local cxxflags ldflags
+  export DEB_BUILD_MAINT_OPTIONS=hardening=+all
+  cxxflags="$(dpkg-buildflags --get CXXFLAGS) $(dpkg-buildflags --get CPPFLAGS)"
+  ldflags="$(dpkg-buildflags --get LDFLAGS)"
+  cmake --preset paquetes -DCMAKE_CXX_FLAGS="$cxxflags" -DCMAKE_EXE_LINKER_FLAGS="$ldflags" \
+    -DCMAKE_SHARED_LINKER_FLAGS="$ldflags"
+  cmake --build --preset paquetes
+  rm -rf build/paquetes
+  cpack --config build/paquetes-obra/CPackConfig.cmake -B build/paquetes
+  rm -rf build/paquetes/_CPack_Packages
+  ls -l build/paquetes/*.deb
+  echo "== lintian"
+  lintian --fail-on error --tag-display-limit 0 build/paquetes/*.deb
+}
+
 fuzz() {
   cmake --preset fuzz
   cmake --build --preset fuzz
@@ -169,6 +190,15 @@ case "$caso" in
   build)
     preparar
     compilar
+    ;;
+  paquetes)
+    preparar
+    paquetes
+    # "./kvr.sh paquetes prueba" (as root) installs them, builds the example host against them
+    # both ways, runs it, and purges them again.
+    if [ "${2:-}" = prueba ]; then
+      tests/paquetes/instalar.sh "$PWD"
+    fi
     ;;
   capturas)
     # Pictures of every window for the README, at 1x and 2x, under Xvfb.
