@@ -10,6 +10,8 @@
 #                    both libraries and the programs; fails on any finding (the checks and why
 #                    some are left out: .clang-tidy, and below)
 #   ./kvr.sh abi     the libraries' ABI against its record in abi/ ("./kvr.sh abi grabar" records it)
+#   ./kvr.sh documentacion  the API reference (Doxygen) into build/documentacion/html; fails on
+#                    a public name without documentation
 #   ./kvr.sh paquetes  the Debian packages libkvr1, libkvr-dev and kvr into build/paquetes/, and
 #                    lintian over them ("./kvr.sh paquetes prueba", as root: install them, build
 #                    the example host against them with CMake and with pkg-config, purge them)
@@ -147,6 +149,17 @@ paquetes() {
   lintian --fail-on error --tag-display-limit 0 build/paquetes/*.deb
 }
 
+# The API reference: every public header's documentation comments and the guide in
+# docs/referencia, as HTML in build/documentacion/html. A public name without documentation, or a
+# comment Doxygen cannot read, is a warning, and any warning fails.
+documentacion() {
+  rm -rf build/documentacion
+  mkdir -p build/documentacion
+  KVR_RAIZ="$PWD" KVR_ENTRADAS="$(echo src/*/*/kvr) docs/referencia" KVR_SALIDA=build/documentacion \
+    doxygen docs/referencia/Doxyfile
+  echo "== Referencia en build/documentacion/html/index.html"
+}
+
 fuzz() {
   cmake --preset fuzz
   cmake --build --preset fuzz
@@ -180,6 +193,7 @@ case "$caso" in
     impresoras
     ctest --preset default --output-on-failure
     analisis
+    documentacion
     abi
     cmake --preset asan
     cmake --build --preset asan
@@ -190,6 +204,10 @@ case "$caso" in
   build)
     preparar
     compilar
+    ;;
+  documentacion)
+    preparar
+    documentacion
     ;;
   paquetes)
     preparar

@@ -47,6 +47,9 @@ echo "== El ejemplo con make (pkg-config kvr)"
 cp -r "$raiz/examples/factura" "$tmp/con-make"
 make -s -C "$tmp/con-make" facturas prueba
 
+echo "== La referencia de la API instalada"
+grep -q "guia.html" /usr/share/doc/libkvr-dev/html/index.html
+
 echo "== La orden kvr instalada"
 test "$(command -v kvr)" = /usr/bin/kvr
 kvr --version

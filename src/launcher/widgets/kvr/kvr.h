@@ -1,5 +1,6 @@
 #pragma once
-// Runtime KVR: everything a host application uses.
+/// @file
+/// Runtime KVR: everything a host application uses.
 #include <kvr/error.h>
 #include <kvr/numeros.h>
 #include <kvr/fechas.h>

@@ -1,5 +1,6 @@
 #pragma once
-// Keys by name delivered as Qt key events, as if typed: the send-keys service of the desktop.
+/// @file
+/// Keys by name delivered as Qt key events, as if typed: the send-keys service of the desktop.
 #include <kvr/kvr_export.h>
 #include <kvr/analisisteclas.h>
 
@@ -7,10 +8,10 @@ class QWidget;
 
 namespace kvr {
 
-// Delivers the keys as key press and release events, after the caller's event
-// handler returns, as typed keys would come: each to the widget that has the focus when it is
-// delivered (the active window when no control has it), or to `destino`. A syntax error throws
-// before anything is sent.
+/// Delivers the keys as key press and release events, after the caller's event
+/// handler returns, as typed keys would come: each to the widget that has the focus when it is
+/// delivered (the active window when no control has it), or to `destino`. A syntax error throws
+/// before anything is sent.
 KVR_EXPORT void EnviarTeclas(const QString &teclas, QWidget *destino = nullptr);
 
 } // namespace kvr
