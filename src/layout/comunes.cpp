@@ -10,7 +10,12 @@
 #include <QStringDecoder>
 
 #include <array>
+#include <bit>
+#include <cstring>
 #include <iconv.h>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace kvr {
 
@@ -100,6 +105,40 @@ const TablaDos &tabla()
     return t;
 }
 
+// Contacts files are almost all ASCII, which every direction keeps as it is (but NUL, which
+// becomes a blank): the routines copy runs of ASCII in blocks and take only the other bytes
+// through the table.
+inline uint64_t palabra(const void *p)
+{
+    uint64_t w;
+    std::memcpy(&w, p, sizeof w);
+    return w;
+}
+
+// Where, among the 16 bytes at `p`, the bytes that are not plain ASCII lie (above 0x7F, or NUL):
+// bit i for byte i. Each routine copies 16 bytes at once and then handles only those.
+inline unsigned especiales16(const char *p)
+{
+#if defined(__SSE2__)
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+    return unsigned(_mm_movemask_epi8(_mm_or_si128(v, _mm_cmpeq_epi8(v, _mm_setzero_si128()))));
+#else
+    unsigned m = 0;
+    for (int i = 0; i < 16; ++i)
+        if (static_cast<unsigned char>(p[i]) - 1u >= 0x7Fu)
+            m |= 1u << i;
+    return m;
+#endif
+}
+
+// Four UTF-16 units, none 0 and none above 0x7F. (w - 1) & ~w sets the high bit of a unit where
+// the first zero unit is, and possibly above it, so it is 0 only when no unit is zero.
+inline bool asciiSinNulo16(uint64_t w)
+{
+    constexpr uint64_t Unos16 = 0x0001000100010001ULL;
+    return ((w & 0xFF80FF80FF80FF80ULL) | ((w - Unos16) & ~w & 0x8000800080008000ULL)) == 0;
+}
+
 
 } // namespace
 
@@ -130,8 +169,21 @@ QString TextoDeDos(const QByteArray &bytes)
     const TablaDos &t = tabla();
     QString r(bytes.size(), Qt::Uninitialized);
     char16_t *d = reinterpret_cast<char16_t *>(r.data());
-    for (const char b : bytes)
-        *d++ = t.aTexto[static_cast<unsigned char>(b)];
+    const char *p = bytes.constData();
+    const char *const fin = p + bytes.size();
+    while (fin - p >= 16) {
+        // Sixteen bytes widened as they are, then the few that are not ASCII through the table.
+        for (int i = 0; i < 16; ++i)
+            d[i] = char16_t(static_cast<unsigned char>(p[i]));
+        for (unsigned m = especiales16(p); m; m &= m - 1) {
+            const int i = std::countr_zero(m);
+            d[i] = t.aTexto[static_cast<unsigned char>(p[i])];
+        }
+        p += 16;
+        d += 16;
+    }
+    while (p < fin)
+        *d++ = t.aTexto[static_cast<unsigned char>(*p++)];
     return r;
 }
 
@@ -142,8 +194,21 @@ QByteArray BytesDeDos(const QString &texto)
     const TablaDos &t = tabla();
     QByteArray r(texto.size(), Qt::Uninitialized);
     char *d = r.data();
-    for (const QChar c : texto)
-        *d++ = t.aDos[c.unicode()];
+    const auto *p = reinterpret_cast<const char16_t *>(texto.utf16());
+    const char16_t *const fin = p + texto.size();
+    while (fin - p >= 8) {
+        if (asciiSinNulo16(palabra(p)) && asciiSinNulo16(palabra(p + 4))) {
+            for (int i = 0; i < 8; ++i)
+                d[i] = char(p[i]);
+        } else {
+            for (int i = 0; i < 8; ++i)
+                d[i] = t.aDos[p[i]];
+        }
+        p += 8;
+        d += 8;
+    }
+    while (p < fin)
+        *d++ = t.aDos[*p++];
     return r;
 }
 
@@ -164,13 +229,37 @@ char *Utf8DeDos(std::string_view dos, char *d)
         return d;
     }
     const TablaDos &t = tabla();
-    for (const char b : dos) {
+    const char *p = dos.data();
+    const char *const fin = p + dos.size();
+    const auto porTabla = [&t](char b, char *d) {
         const auto &u = t.aUtf8[static_cast<unsigned char>(b)];
         d[0] = u.b[0];
         d[1] = u.b[1];
         d[2] = u.b[2];
-        d += u.n;
+        return d + u.n;
+    };
+    // Sixteen bytes are copied at once (the output has room for three bytes each); the copy
+    // counts up to the first byte that is not ASCII, which goes through the table.
+    while (fin - p >= 16) {
+        const unsigned m = especiales16(p);
+        std::memcpy(d, p, 16);
+        if (m == 0) {
+            p += 16;
+            d += 16;
+        } else if ((m & (m - 1)) == 0) {
+            // One byte to translate: the copy stands up to it, the table gives it.
+            const int n = std::countr_zero(m);
+            p += n;
+            d = porTabla(*p++, d + n);
+        } else {
+            // Several: the whole block byte by byte is cheaper than restarting at each.
+            for (int i = 0; i < 16; ++i)
+                d = porTabla(p[i], d);
+            p += 16;
+        }
     }
+    while (p < fin)
+        d = porTabla(*p++, d);
     return d;
 }
 
@@ -189,6 +278,17 @@ char *DosDeUtf8(std::string_view utf8, char *d)
     const auto *fin = p + utf8.size();
     const auto continuacion = [&](int i) { return p + i < fin && (p[i] & 0xC0) == 0x80; };
     while (p < fin) {
+        // Sixteen bytes copied at once (the output has room for one byte each), counted up to
+        // the first that is not ASCII.
+        if (fin - p >= 16) {
+            const unsigned m = especiales16(reinterpret_cast<const char *>(p));
+            std::memcpy(d, p, 16);
+            const int n = m ? std::countr_zero(m) : 16;
+            p += n;
+            d += n;
+            if (n == 16)
+                continue;
+        }
         const unsigned char c = *p;
         if (c < 0x80) {
             *d++ = c == 0 ? ' ' : char(c);

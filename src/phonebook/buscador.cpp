@@ -25,6 +25,22 @@ char *ponerUtf8(char32_t c, char *d)
     return d;
 }
 
+// Eight ASCII bytes, none NUL, upper-cased at once: a byte from 'a' to 'z' loses 0x20. Adding
+// 0x1F sets a byte's high bit from 'a' up, adding 0x05 from '{' up; no byte carries into the
+// next, as none is above 0x7F.
+inline bool mayusculasAscii(const unsigned char *p, char *d)
+{
+    constexpr uint64_t Unos = 0x0101010101010101ULL, Altos = 0x8080808080808080ULL;
+    uint64_t w;
+    std::memcpy(&w, p, sizeof w);
+    if (((w | ((w - Unos) & ~w)) & Altos) != 0)
+        return false;
+    const uint64_t minusculas = (w + 0x1F * Unos) & ~(w + 0x05 * Unos) & Altos;
+    w -= minusculas >> 2;
+    std::memcpy(d, &w, sizeof w);
+    return true;
+}
+
 } // namespace
 
 char *MayusculasUtf8(std::string_view texto, char *d)
@@ -32,6 +48,11 @@ char *MayusculasUtf8(std::string_view texto, char *d)
     const auto *p = reinterpret_cast<const unsigned char *>(texto.data());
     const auto *fin = p + texto.size();
     while (p < fin) {
+        if (fin - p >= 8 && mayusculasAscii(p, d)) {
+            p += 8;
+            d += 8;
+            continue;
+        }
         const unsigned char c = *p;
         if (c < 0x80) {
             *d++ = char(c >= 'a' && c <= 'z' ? c - 32 : c == 0 ? ' ' : c);

@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <QProcess>
+#include <QRandomGenerator>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -48,6 +49,44 @@ private Q_SLOTS:
         const QByteArray esperadoDos = ' ' + bytes.mid(1);
         QCOMPARE(ConvertirJuego(texto, QStringLiteral("dos")).toLatin1(), esperadoDos);
         QCOMPARE(BytesDeDos(texto), esperadoDos);
+    }
+
+    // Mostly-ASCII text with accented letters and NULs here and there, as a contacts file is, cut
+    // at every offset and length within a word or two: the eight-byte steps and the byte-by-byte
+    // rest must meet wherever the other bytes fall. iconv reads the whole text once.
+    void convertirTrozosComoIconv()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("iconv")).isEmpty())
+            QSKIP("iconv no está instalado: no hay con qué comparar la conversión CP850");
+        QByteArray dos;
+        QRandomGenerator azar(850);
+        while (dos.size() < 4096) {
+            const int tramo = int(azar.bounded(24));
+            for (int i = 0; i < tramo; ++i)
+                dos.append(char(' ' + azar.bounded(95)));
+            const int raro = int(azar.bounded(3));
+            for (int i = 0; i < raro; ++i)
+                dos.append(azar.bounded(8) == 0 ? '\0' : char(0x80 + azar.bounded(128)));
+        }
+        QString texto = QString::fromUtf8(iconv("CP850", "UTF-8", dos));
+        QCOMPARE(texto.size(), dos.size());
+        texto.replace(QChar(u'\0'), QChar(u' '));
+        QByteArray sinNulos = dos;
+        sinNulos.replace('\0', ' ');
+        for (int desde = 0; desde < 600; desde += 1 + int(azar.bounded(5))) {
+            const int largo = int(azar.bounded(40));
+            const QByteArray trozo = dos.mid(desde, largo);
+            const QString esperado = texto.mid(desde, largo);
+            QCOMPARE(TextoDeDos(trozo), esperado);
+            std::string utf8;
+            Utf8DeDos(std::string_view(trozo.constData(), std::size_t(trozo.size())), utf8);
+            QCOMPARE(QString::fromStdString(utf8), esperado);
+            QCOMPARE(BytesDeDos(esperado), sinNulos.mid(desde, largo));
+            const QByteArray deUtf8 = esperado.toUtf8();
+            QByteArray vuelta;
+            DosDeUtf8(std::string_view(deUtf8.constData(), std::size_t(deUtf8.size())), vuelta);
+            QCOMPARE(vuelta, sinNulos.mid(desde, largo));
+        }
     }
 
     // Both directions of all 256 bytes are checked against iconv above; here the direction's

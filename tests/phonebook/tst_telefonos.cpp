@@ -262,12 +262,17 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("texto");
         QTest::addColumn<QString>("filas"); // the rows found, from 1
-        QTest::newRow("vacío") << QString() << u"1,2,3,4"_qs;
+        QTest::newRow("vacío") << QString() << u"1,2,3,4,5"_qs;
         QTest::newRow("entre celdas") << u"aló"_qs << u"1"_qs;
         QTest::newRow("eñe en mayúsculas") << u"PEÑA"_qs << u"2"_qs;
         QTest::newRow("NUL como blanco") << u"a b"_qs << u"3"_qs;
         QTest::newRow("secuencia cortada") << u"x\uFFFD"_qs << u"4"_qs;
         QTest::newRow("nada") << u"zz"_qs << QString();
+        // Row 5 is long enough to be upper-cased in steps of eight bytes: only a to z change,
+        // not the signs beside them in ASCII ("`" before "a", "{" after "z").
+        QTest::newRow("ascii largo") << u"`abcxyz{|}~ @az["_qs << u"5"_qs;
+        QTest::newRow("acento grave no es arroba") << u"@ABC"_qs << QString();
+        QTest::newRow("llave no es corchete") << u"z[|"_qs << QString();
     }
     void buscar()
     {
@@ -276,7 +281,8 @@ private Q_SLOTS:
         const std::string_view filas[][3] = {{"", "Ana", "L\xC3\xB3pez"},
                                              {"", "pe\xC3\xB1" "a", "1"},
                                              {"", std::string_view("a\0b", 3), ""},
-                                             {"", "x\xC3", ""}};
+                                             {"", "x\xC3", ""},
+                                             {"", "`abcxyz{|}~ @AZ[", ""}};
         for (const auto &f : filas)
             g.AgregarFilaUtf8(f, 3);
         g.RemoveItem(1); // the blank row of the set-up
