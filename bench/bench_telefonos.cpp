@@ -11,7 +11,11 @@
 // are faster than in es_ES.UTF-8. Every time is the
 // best of several rounds, the machine being shared. Memory is the heap the grid and the search
 // text hold after a load, against the file's bytes. Growth from the smallest to the largest file
-// is set against n log n. One MET / NOT MET line per goal at the end.
+// is set against n log n and against n. The file is the one the phone book itself writes (the
+// generated contacts loaded and saved once, so sorted by name), as a real TELEFONO.DAT is; the
+// references run on that same file. "Open" is the load plus the search index, which the first
+// keystroke needs; "one more letter" is typing the third letter of the search after the second.
+// One MET / NOT MET line per goal at the end.
 //
 //   bench_telefonos [contacts ...]        (default 10000 100000 1000000)
 #include <kvr/buscador.h>
@@ -23,6 +27,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -133,7 +138,7 @@ struct Medida {
     double carga = 0, refCarga = 0;
     double busca = 0, refBusca = 0;
     double graba = 0, refGraba = 0;
-    double indice = 0;
+    double indice = 0, abre = 0, letraMas = 0;
     long long memoria = 0;
 };
 
@@ -165,7 +170,12 @@ int main(int argc, char *argv[])
             f.open(QIODevice::WriteOnly);
             const QByteArray datos = generar(n);
             f.write(datos);
-            m.bytes = datos.size();
+        }
+        {
+            Rejilla g;
+            SelloFichero s = LeerFicheroContactos(ruta, g);
+            GrabarFicheroContactos(ruta, g, s);
+            m.bytes = QFileInfo(ruta).size();
         }
         const QString q = QLatin1Char('\'') + ruta + QLatin1Char('\'');
 
@@ -186,6 +196,12 @@ int main(int argc, char *argv[])
             m.indice = ms(t);
             m.memoria = heap() - antes;
         }
+        m.abre = mejorDe(rondas, [&] {
+            Rejilla g;
+            LeerFicheroContactos(ruta, g);
+            IndiceBusqueda indice;
+            indice.Construir(g, {ColNombre, ColTelefono, ColFax, ColEmail});
+        });
 
         // Search: a keystroke in the window, until the grid has painted.
         m.refBusca = comando(QStringLiteral("iconv -f CP850 -t UTF-8 %1 | tr '\\r' '\\n' | grep -ci %2 > /dev/null").arg(q, textoBuscado), rondas);
@@ -198,20 +214,25 @@ int main(int argc, char *argv[])
             auto *vista = t->findChild<VisorRejilla *>(QStringLiteral("Telfs"));
             Pintadas pintadas;
             vista->viewport()->installEventFilter(&pintadas);
-            double mejor = 1e300;
+            double mejor = 1e300, masUna = 1e300;
+            const auto teclear = [&](const QString &texto) {
+                const int antes = pintadas.n;
+                QElapsedTimer reloj;
+                reloj.start();
+                busco->setText(texto);
+                while (pintadas.n == antes)
+                    QCoreApplication::processEvents();
+                return ms(reloj);
+            };
             for (int r = 0; r < rondas; ++r) {
-                for (const QString &texto : {textoBuscado, QString()}) {
-                    const int antes = pintadas.n;
-                    QElapsedTimer reloj;
-                    reloj.start();
-                    busco->setText(texto);
-                    while (pintadas.n == antes)
-                        QCoreApplication::processEvents();
-                    if (!texto.isEmpty())
-                        mejor = std::min(mejor, ms(reloj));
-                }
+                mejor = std::min(mejor, teclear(textoBuscado));
+                teclear(QString());
+                teclear(textoBuscado.left(2));
+                masUna = std::min(masUna, teclear(textoBuscado));
+                teclear(QString());
             }
             m.busca = mejor;
+            m.letraMas = masUna;
             delete t;
         }
 
@@ -232,9 +253,9 @@ int main(int argc, char *argv[])
 
         std::printf("%8d contactos (%6.1f MB): carga %8.1f ms, iconv|sort -f %8.1f ms (%.2f) | "
                     "búsqueda %6.2f ms, iconv|grep -ci %6.2f ms (%.2f) | grabación %8.1f ms, sort -f|iconv %8.1f ms (%.2f) | "
-                    "índice %6.1f ms | memoria %.2f bytes por byte\n",
+                    "índice %6.1f ms | apertura %7.1f ms | una letra más %6.2f ms | memoria %.2f bytes por byte\n",
                     n, double(m.bytes) / 1e6, m.carga, m.refCarga, m.carga / m.refCarga, m.busca, m.refBusca,
-                    m.busca / m.refBusca, m.graba, m.refGraba, m.graba / m.refGraba, m.indice,
+                    m.busca / m.refBusca, m.graba, m.refGraba, m.graba / m.refGraba, m.indice, m.abre, m.letraMas,
                     double(m.memoria) / double(m.bytes));
         std::fflush(stdout);
         medidas.push_back(m);
@@ -254,9 +275,20 @@ int main(int argc, char *argv[])
     }
     meta(peorCarga <= 0.3, QStringLiteral("carga ≤ 0,3 × iconv | sort -f (peor %1)").arg(peorCarga, 0, 'f', 2));
     meta(peorBusca <= 0.5, QStringLiteral("búsqueda ≤ 0,5 × iconv | grep -ci (peor %1)").arg(peorBusca, 0, 'f', 2));
-    for (const Medida &m : medidas)
-        if (m.n == 100000)
-            meta(m.busca <= 16.0, QStringLiteral("búsqueda en 100 000 contactos ≤ 16 ms (%1 ms)").arg(m.busca, 0, 'f', 2));
+    for (const Medida &m : medidas) {
+        QString cuantos = QString::number(m.n);
+        for (qsizetype i = cuantos.size() - 3; i > 0; i -= 3)
+            cuantos.insert(i, u' ');
+        if (m.n == 1000000) {
+            meta(m.abre <= 150.0, QStringLiteral("apertura de %1 contactos ≤ 150 ms (%2 ms)").arg(cuantos).arg(m.abre, 0, 'f', 1));
+            meta(m.busca <= 16.0, QStringLiteral("pulsación en %1 contactos ≤ 16 ms (%2 ms)").arg(cuantos).arg(m.busca, 0, 'f', 2));
+            meta(m.letraMas <= 5.0, QStringLiteral("una letra más en %1 contactos ≤ 5 ms (%2 ms)").arg(cuantos).arg(m.letraMas, 0, 'f', 2));
+            meta(m.graba <= 250.0, QStringLiteral("grabación de %1 contactos ≤ 250 ms (%2 ms)").arg(cuantos).arg(m.graba, 0, 'f', 1));
+        } else if (m.n == 100000) {
+            meta(m.abre <= 20.0, QStringLiteral("apertura de %1 contactos ≤ 20 ms (%2 ms)").arg(cuantos).arg(m.abre, 0, 'f', 1));
+            meta(m.busca <= 3.0, QStringLiteral("pulsación en %1 contactos ≤ 3 ms (%2 ms)").arg(cuantos).arg(m.busca, 0, 'f', 2));
+        }
+    }
     meta(peorGraba <= 0.5, QStringLiteral("grabación ≤ 0,5 × sort -f | iconv (peor %1)").arg(peorGraba, 0, 'f', 2));
     if (medidas.size() >= 2) {
         const Medida &a = medidas.front(), &b = medidas.back();
@@ -265,7 +297,11 @@ int main(int argc, char *argv[])
         meta(carga <= nlogn && graba <= nlogn && busca <= nlogn,
              QStringLiteral("crecimiento de %1 a %2 contactos ≤ n log n (×%3): carga ×%4, búsqueda ×%5, grabación ×%6")
                  .arg(a.n).arg(b.n).arg(nlogn, 0, 'f', 0).arg(carga, 0, 'f', 0).arg(busca, 0, 'f', 0).arg(graba, 0, 'f', 0));
+        const double lineal = double(b.n) / double(a.n), abre = b.abre / a.abre;
+        meta(abre <= lineal && busca <= lineal && graba <= lineal,
+             QStringLiteral("crecimiento de %1 a %2 contactos ≤ lineal (×%3): apertura ×%4, búsqueda ×%5, grabación ×%6")
+                 .arg(a.n).arg(b.n).arg(lineal, 0, 'f', 0).arg(abre, 0, 'f', 0).arg(busca, 0, 'f', 0).arg(graba, 0, 'f', 0));
     }
-    meta(peorMemoria <= 4.0, QStringLiteral("memoria ≤ 4 bytes por byte del fichero (peor %1)").arg(peorMemoria, 0, 'f', 2));
+    meta(peorMemoria <= 3.0, QStringLiteral("memoria ≤ 3 bytes por byte del fichero (peor %1)").arg(peorMemoria, 0, 'f', 2));
     return todo ? 0 : 1;
 }

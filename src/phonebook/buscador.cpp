@@ -124,28 +124,63 @@ void IndiceBusqueda::Construir(const Rejilla &grid, const std::vector<int> &colu
     m_texto.shrink_to_fit();
 }
 
-std::vector<unsigned char> IndiceBusqueda::Buscar(const QString &texto) const
+namespace {
+
+std::string agujaDe(const QString &texto)
 {
     std::string aguja;
     const QByteArray utf8 = texto.toUtf8();
     MayusculasUtf8(std::string_view(utf8.constData(), std::size_t(utf8.size())), aguja);
+    return aguja;
+}
+
+} // namespace
+
+std::vector<unsigned char> IndiceBusqueda::Buscar(const QString &texto) const
+{
+    const std::string aguja = agujaDe(texto);
     std::vector<unsigned char> dentro(m_inicios.size(), aguja.empty() ? 1 : 0);
     if (aguja.empty() || m_inicios.empty())
         return dentro;
+    // One pass over the whole text: each match found gives its row, which is looked for forward
+    // from the last one, since matches come in row order.
     const char *base = m_texto.data();
     const char *p = base;
     const char *const fin = base + m_texto.size();
+    std::size_t fila = 0;
+    const std::size_t filas = m_inicios.size();
     while (p < fin) {
         const void *hallado = memmem(p, std::size_t(fin - p), aguja.data(), aguja.size());
         if (!hallado)
             break;
-        const uint32_t en = uint32_t(static_cast<const char *>(hallado) - base);
-        const std::size_t fila = std::size_t(std::upper_bound(m_inicios.begin(), m_inicios.end(), en) - m_inicios.begin()) - 1;
+        const auto en = uint32_t(static_cast<const char *>(hallado) - base);
+        while (fila + 1 < filas && m_inicios[fila + 1] <= en)
+            ++fila;
         dentro[fila] = 1;
         // One match is enough for a row: go on from the next one.
-        if (fila + 1 >= m_inicios.size())
+        if (fila + 1 >= filas)
             break;
-        p = base + m_inicios[fila + 1];
+        p = base + m_inicios[++fila];
+    }
+    return dentro;
+}
+
+std::vector<unsigned char> IndiceBusqueda::Buscar(const QString &texto, const std::vector<unsigned char> &candidatos) const
+{
+    if (candidatos.size() != m_inicios.size())
+        return Buscar(texto);
+    const std::string aguja = agujaDe(texto);
+    if (aguja.empty())
+        return std::vector<unsigned char>(m_inicios.size(), 1);
+    std::vector<unsigned char> dentro(m_inicios.size(), 0);
+    const char *base = m_texto.data();
+    const std::size_t filas = m_inicios.size();
+    for (std::size_t f = 0; f < filas; ++f) {
+        if (!candidatos[f])
+            continue;
+        // The row's text runs to its NUL, the byte before the next row's text.
+        const std::size_t hasta = f + 1 < filas ? m_inicios[f + 1] - 1 : m_texto.size() - 1;
+        dentro[f] = memmem(base + m_inicios[f], hasta - m_inicios[f], aguja.data(), aguja.size()) != nullptr;
     }
     return dentro;
 }

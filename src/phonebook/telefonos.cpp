@@ -22,6 +22,9 @@
 #include <QTimer>
 
 #include <cstdlib>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace kvr {
 
@@ -59,8 +62,36 @@ public:
         if (m_sucio || m_datos.Filas() != m_grid.Rows() - 1) {
             m_datos.Construir(m_grid, ColumnasBusqueda);
             m_sucio = false;
+            // The rows shown now, as the grid has them, and no search to build on.
+            m_visibles.assign(std::size_t(m_datos.Filas()), 1);
+            for (const int f : m_grid.FilasOcultas())
+                if (f >= 1 && std::size_t(f) <= m_visibles.size())
+                    m_visibles[std::size_t(f) - 1] = 0;
+            m_buscado.reset();
         }
         return m_datos;
+    }
+    // Shows the rows that hold `texto` and hides the others. Text that extends the last one
+    // searched (one more letter typed) is looked for only in the rows that held the last one;
+    // only the rows whose state changes are touched.
+    void buscar(const QString &texto)
+    {
+        const IndiceBusqueda &indice = actual();
+        const std::string aguja = mayusculas(texto);
+        const std::vector<unsigned char> dentro =
+            m_buscado && aguja.compare(0, m_buscado->size(), *m_buscado) == 0 && !m_buscado->empty()
+                ? indice.Buscar(texto, m_dentro)
+                : indice.Buscar(texto);
+        sinCambioDeTexto([&] {
+            m_grid.PonerRedraw(false);
+            for (std::size_t i = 0; i < dentro.size(); ++i)
+                if (dentro[i] != m_visibles[i])
+                    m_grid.PonerRowHeight(int(i) + 1, dentro[i] ? -1 : 0);
+            m_grid.PonerRedraw(true);
+        });
+        m_visibles = dentro;
+        m_dentro = dentro;
+        m_buscado = aguja;
     }
     // Changes made inside `cambio` leave the texts as they were.
     template <typename F> void sinCambioDeTexto(F &&cambio)
@@ -83,10 +114,21 @@ private:
     void columnasQuitadas() override { ensuciar(); }
     void celdasCambiadas(int, int, int, int) override { ensuciar(); }
 
+    static std::string mayusculas(const QString &texto)
+    {
+        std::string r;
+        const QByteArray utf8 = texto.toUtf8();
+        MayusculasUtf8(std::string_view(utf8.constData(), std::size_t(utf8.size())), r);
+        return r;
+    }
+
     Rejilla &m_grid;
     IndiceBusqueda m_datos;
     bool m_sucio = true;
     bool m_ignorar = false;
+    std::vector<unsigned char> m_visibles; ///< per index row: shown in the grid
+    std::vector<unsigned char> m_dentro;   ///< per index row: held the last text searched
+    std::optional<std::string> m_buscado;  ///< the last text searched, upper-cased
 };
 
 Telefonos::Telefonos(QWidget *parent)
@@ -286,15 +328,8 @@ void Telefonos::BuscoTLF_Change()
 {
     if (m_cargando || !Existe(m_fichero, false))
         return;
-    const std::vector<unsigned char> dentro = m_indice->actual().Buscar(ui->BuscoTLF->text());
-    Rejilla &g = grid();
     Moviendo moviendo(m_moviendo);
-    m_indice->sinCambioDeTexto([&] {
-        g.PonerRedraw(false);
-        for (std::size_t i = 0; i < dentro.size(); ++i)
-            g.PonerRowHeight(int(i) + 1, dentro[i] ? -1 : 0);
-        g.PonerRedraw(true);
-    });
+    m_indice->buscar(ui->BuscoTLF->text());
 }
 
 void Telefonos::elegirFila(int fila, int col)

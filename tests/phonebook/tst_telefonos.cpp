@@ -14,6 +14,7 @@
 #include "comun/pruebas.h"
 
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QLockFile>
 #include <QProcess>
 #include <QScrollBar>
@@ -347,6 +348,48 @@ private Q_SLOTS:
         control(v.t, "BuscoTLF")->setFocus();
         v.escribir(texto);
         QTEST(v.vistos(), "vistos");
+        v.tecla(u"Ctrl+A"_qs);
+        v.tecla(u"Backspace"_qs);
+        QCOMPARE(v.vistos(), Todos);
+    }
+
+    // Typed one key at a time, as a user types: after each key the rows shown are those whose four
+    // columns, joined, hold the search text without regard to case (worked out here with
+    // QString::contains); one more letter only narrows the last search, a deleted one widens it.
+    void busquedaComoSubcadena_data()
+    {
+        QTest::addColumn<QStringList>("pasos"); // a text typed key by key, or "<" for Backspace
+        QTest::newRow("letra a letra") << L({"ana"});
+        QTest::newRow("eñe entre columnas") << L({"ña6"});
+        QTest::newRow("borrar y seguir") << L({"ana", "<", "<", "o", "<", "<", "9"});
+        QTest::newRow("mayúsculas y acento") << L({"LÓPEZ", "<", "<", "<", "<", "<", "ó"});
+        QTest::newRow("hasta nada") << L({"zq", "<", "<", "52 0"});
+    }
+    void busquedaComoSubcadena()
+    {
+        QFETCH(QStringList, pasos);
+        Ventana v;
+        QLineEdit *busco = control<QLineEdit>(v.t, "BuscoTLF");
+        busco->setFocus();
+        const auto esperados = [](const QString &texto) {
+            QStringList r;
+            for (const QString &c : Agenda) {
+                const QStringList celdas = c.split(u'|');
+                if (celdas.join(QString()).contains(texto, Qt::CaseInsensitive))
+                    r << celdas[0];
+            }
+            return r.join(u',');
+        };
+        for (const QString &paso : pasos) {
+            const QStringList teclas = paso == u"<" ? QStringList{paso} : paso.split(QString(), Qt::SkipEmptyParts);
+            for (const QString &tecla : teclas) {
+                if (tecla == u"<")
+                    v.tecla(u"Backspace"_qs);
+                else
+                    v.escribir(tecla);
+                QCOMPARE(v.vistos(), esperados(busco->text()));
+            }
+        }
         v.tecla(u"Ctrl+A"_qs);
         v.tecla(u"Backspace"_qs);
         QCOMPARE(v.vistos(), Todos);

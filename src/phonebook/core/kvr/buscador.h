@@ -33,6 +33,10 @@ public:
     /// One flag per row of the index (row primeraFila + i): 1 when its text holds `texto`
     /// (upper-cased here), 0 when it does not. An empty text is in every row.
     std::vector<unsigned char> Buscar(const QString &texto) const;
+    /// The same, looking only in the rows flagged in `candidatos` (one flag per row of the index):
+    /// when the user types one more letter, only the rows that held the shorter text can hold
+    /// the longer one. The other rows are 0.
+    std::vector<unsigned char> Buscar(const QString &texto, const std::vector<unsigned char> &candidatos) const;
     /// Bytes held.
     std::size_t Bytes() const { return m_texto.capacity() + m_inicios.capacity() * sizeof(uint32_t); }
 
