@@ -382,9 +382,13 @@ void VisorRejilla::aplicarTodo()
     horizontalHeader()->setVisible(m_modelo->filasEnCabecera() == 1);
     for (int c = 0; c < m_modelo->columnCount(); ++c)
         aplicarColumna(c);
+    // Hidden rows (height 0) are not rows of the model: only rows of a height of their own are
+    // looked up, so a search that hides most of a large grid costs no lookup per hidden row.
     for (const auto &[fila, alto] : m_rejilla.AltosEspeciales()) {
+        if (alto <= 0)
+            continue;
         const int v = m_modelo->filaVista(fila);
-        if (alto > 0 && v >= 0 && v < m_modelo->rowCount())
+        if (v >= 0 && v < m_modelo->rowCount())
             setRowHeight(v, pixeles(alto));
     }
     seguirCeldaActual(m_rejilla.Row(), m_rejilla.Col());

@@ -3,7 +3,11 @@
 #include <QChar>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace kvr {
 
@@ -126,6 +130,32 @@ void IndiceBusqueda::Construir(const Rejilla &grid, const std::vector<int> &colu
 
 namespace {
 
+// The first place of `aguja` (not empty) in [p, fin), or nullptr. Sixteen places are tried at
+// once by their first and last bytes; only places where both agree are compared whole.
+const char *hallar(const char *p, const char *const fin, std::string_view aguja)
+{
+    const std::size_t n = aguja.size();
+#if defined(__SSE2__)
+    const __m128i primero = _mm_set1_epi8(aguja.front()), ultimo = _mm_set1_epi8(aguja.back());
+    while (std::size_t(fin - p) >= n - 1 + 16) {
+        const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+        const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + n - 1));
+        for (auto m = unsigned(_mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi8(a, primero), _mm_cmpeq_epi8(b, ultimo))));
+             m; m &= m - 1) {
+            const char *q = p + std::countr_zero(m);
+            if (n <= 2 || std::memcmp(q + 1, aguja.data() + 1, n - 2) == 0)
+                return q;
+        }
+        p += 16;
+    }
+#endif
+    // The last places (fewer than sixteen), or all of them without SSE2, one by one.
+    for (; fin - p >= std::ptrdiff_t(n); ++p)
+        if (*p == aguja.front() && std::memcmp(p + 1, aguja.data() + 1, n - 1) == 0)
+            return p;
+    return nullptr;
+}
+
 std::string agujaDe(const QString &texto)
 {
     std::string aguja;
@@ -150,10 +180,10 @@ std::vector<unsigned char> IndiceBusqueda::Buscar(const QString &texto) const
     std::size_t fila = 0;
     const std::size_t filas = m_inicios.size();
     while (p < fin) {
-        const void *hallado = memmem(p, std::size_t(fin - p), aguja.data(), aguja.size());
+        const char *hallado = hallar(p, fin, aguja);
         if (!hallado)
             break;
-        const auto en = uint32_t(static_cast<const char *>(hallado) - base);
+        const auto en = uint32_t(hallado - base);
         while (fila + 1 < filas && m_inicios[fila + 1] <= en)
             ++fila;
         dentro[fila] = 1;
@@ -167,7 +197,10 @@ std::vector<unsigned char> IndiceBusqueda::Buscar(const QString &texto) const
 
 std::vector<unsigned char> IndiceBusqueda::Buscar(const QString &texto, const std::vector<unsigned char> &candidatos) const
 {
-    if (candidatos.size() != m_inicios.size())
+    // When most rows are candidates, one pass over the whole text is quicker than a search per
+    // row; it finds the same rows, since a row that holds the longer text holds the shorter.
+    if (candidatos.size() != m_inicios.size()
+        || std::size_t(std::count(candidatos.begin(), candidatos.end(), 1)) > candidatos.size() / 4)
         return Buscar(texto);
     const std::string aguja = agujaDe(texto);
     if (aguja.empty())
@@ -180,7 +213,7 @@ std::vector<unsigned char> IndiceBusqueda::Buscar(const QString &texto, const st
             continue;
         // The row's text runs to its NUL, the byte before the next row's text.
         const std::size_t hasta = f + 1 < filas ? m_inicios[f + 1] - 1 : m_texto.size() - 1;
-        dentro[f] = memmem(base + m_inicios[f], hasta - m_inicios[f], aguja.data(), aguja.size()) != nullptr;
+        dentro[f] = hallar(base + m_inicios[f], base + hasta, aguja) != nullptr;
     }
     return dentro;
 }
