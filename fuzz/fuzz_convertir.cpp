@@ -6,6 +6,8 @@
 #include <QStringList>
 
 #include <cstdlib>
+#include <string>
+#include <string_view>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t largo)
 {
@@ -21,6 +23,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t largo)
     if (kvr::ConvertirJuego(QString::fromLatin1(bytes), QStringLiteral("WIN")) != texto)
         std::abort();
     if (kvr::ConvertirJuego(texto, QStringLiteral("dos")) != QString::fromLatin1(sinNul))
+        std::abort();
+    // The bulk routines, which copy ASCII in blocks, agree with the text form both ways.
+    std::string utf8;
+    kvr::Utf8DeDos(std::string_view(bytes.constData(), std::size_t(bytes.size())), utf8);
+    const QByteArray esperado = texto.toUtf8();
+    if (std::string_view(esperado.constData(), std::size_t(esperado.size())) != utf8)
+        std::abort();
+    QByteArray vuelta;
+    kvr::DosDeUtf8(utf8, vuelta);
+    if (vuelta != sinNul)
         std::abort();
 
     // Any text from the input (not a file reference): entries joined again give the text back,
