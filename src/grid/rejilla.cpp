@@ -416,6 +416,47 @@ std::vector<std::pair<int, int>> Rejilla::AltosEspeciales() const
     return altos;
 }
 
+bool Rejilla::FilasMostradas(int desde, std::vector<int> &filas) const
+{
+    filas.clear();
+    if (m_ocultas == 0)
+        return false;
+    filas.reserve(std::size_t(std::max(0, Rows() - desde)));
+    for (int f = std::max(desde, 0); f < Rows(); ++f)
+        if (m_altos[ranura(f)] != 0)
+            filas.push_back(f);
+    return true;
+}
+
+void Rejilla::PonerFilasVisibles(int primera, const std::vector<unsigned char> &visibles)
+{
+    if (visibles.empty())
+        return;
+    comprobarFila(primera);
+    comprobarFila(primera + int(visibles.size()) - 1);
+    if (m_altos.empty()) {
+        if (std::find(visibles.begin(), visibles.end(), 0) == visibles.end())
+            return; // nothing hidden, nothing to hide
+        m_altos.assign(m_ranuras, -1);
+    }
+    bool cambio = false;
+    for (std::size_t i = 0; i < visibles.size(); ++i) {
+        int32_t &alto = m_altos[ranura(primera + int(i))];
+        const bool oculta = alto == 0;
+        if (oculta == !visibles[i])
+            continue;
+        const int32_t nuevo = visibles[i] ? -1 : 0;
+        m_altosEspeciales += std::size_t(nuevo >= 0) - std::size_t(alto >= 0);
+        m_ocultas += std::size_t(nuevo == 0) - std::size_t(alto == 0);
+        alto = nuevo;
+        cambio = true;
+    }
+    if (cambio && avisar()) {
+        paraOyentes([](OyenteRejilla *o) { o->antesDeReiniciar(); });
+        paraOyentes([](OyenteRejilla *o) { o->reiniciada(); });
+    }
+}
+
 std::vector<int> Rejilla::FilasOcultas() const
 {
     std::vector<int> ocultas;

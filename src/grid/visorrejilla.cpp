@@ -55,19 +55,11 @@ void ModeloRejilla::leerTamanos()
     m_filas = m_rejilla.Rows();
     m_cols = m_rejilla.Cols();
     m_cabecera = m_rejilla.FixedRows() >= 1 && m_filas >= 1 ? 1 : 0;
-    m_vista.clear();
-    const std::vector<int> ocultas = m_rejilla.FilasOcultas();
-    auto o = std::lower_bound(ocultas.begin(), ocultas.end(), m_cabecera);
-    m_filtrada = o != ocultas.end();
+    // One pass over the grid gives the rows shown; with no row hidden there is no map at all.
+    m_filtrada = m_rejilla.FilasMostradas(m_cabecera, m_vista)
+                 && m_vista.size() != std::size_t(std::max(0, m_filas - m_cabecera));
     if (!m_filtrada)
-        return;
-    m_vista.reserve(std::size_t(m_filas - m_cabecera) - std::size_t(ocultas.end() - o));
-    for (int f = m_cabecera; f < m_filas; ++f) {
-        if (o != ocultas.end() && *o == f)
-            ++o;
-        else
-            m_vista.push_back(f);
-    }
+        std::vector<int>().swap(m_vista);
 }
 
 int ModeloRejilla::filaRejilla(int filaVista) const
@@ -383,8 +375,9 @@ void VisorRejilla::aplicarTodo()
     for (int c = 0; c < m_modelo->columnCount(); ++c)
         aplicarColumna(c);
     // Hidden rows (height 0) are not rows of the model: only rows of a height of their own are
-    // looked up, so a search that hides most of a large grid costs no lookup per hidden row.
-    for (const auto &[fila, alto] : m_rejilla.AltosEspeciales()) {
+    // looked up, and the grid is not walked at all when no row has one.
+    for (const auto &[fila, alto] : m_rejilla.HayAltosPropios() ? m_rejilla.AltosEspeciales()
+                                                                  : std::vector<std::pair<int, int>>()) {
         if (alto <= 0)
             continue;
         const int v = m_modelo->filaVista(fila);

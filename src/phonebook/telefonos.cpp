@@ -62,18 +62,13 @@ public:
         if (m_sucio || m_datos.Filas() != m_grid.Rows() - 1) {
             m_datos.Construir(m_grid, ColumnasBusqueda);
             m_sucio = false;
-            // The rows shown now, as the grid has them, and no search to build on.
-            m_visibles.assign(std::size_t(m_datos.Filas()), 1);
-            for (const int f : m_grid.FilasOcultas())
-                if (f >= 1 && std::size_t(f) <= m_visibles.size())
-                    m_visibles[std::size_t(f) - 1] = 0;
-            m_buscado.reset();
+            m_buscado.reset(); // no search to build on
         }
         return m_datos;
     }
     // Shows the rows that hold `texto` and hides the others. Text that extends the last one
     // searched (one more letter typed) is looked for only in the rows that held the last one;
-    // only the rows whose state changes are touched.
+    // the grid touches only the rows whose state changes.
     void buscar(const QString &texto)
     {
         const IndiceBusqueda &indice = actual();
@@ -82,14 +77,7 @@ public:
             m_buscado && aguja.compare(0, m_buscado->size(), *m_buscado) == 0 && !m_buscado->empty()
                 ? indice.Buscar(texto, m_dentro)
                 : indice.Buscar(texto);
-        sinCambioDeTexto([&] {
-            m_grid.PonerRedraw(false);
-            for (std::size_t i = 0; i < dentro.size(); ++i)
-                if (dentro[i] != m_visibles[i])
-                    m_grid.PonerRowHeight(int(i) + 1, dentro[i] ? -1 : 0);
-            m_grid.PonerRedraw(true);
-        });
-        m_visibles = dentro;
+        sinCambioDeTexto([&] { m_grid.PonerFilasVisibles(1, dentro); });
         m_dentro = dentro;
         m_buscado = aguja;
     }
@@ -126,7 +114,6 @@ private:
     IndiceBusqueda m_datos;
     bool m_sucio = true;
     bool m_ignorar = false;
-    std::vector<unsigned char> m_visibles; ///< per index row: shown in the grid
     std::vector<unsigned char> m_dentro;   ///< per index row: held the last text searched
     std::optional<std::string> m_buscado;  ///< the last text searched, upper-cased
 };

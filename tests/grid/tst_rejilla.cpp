@@ -496,6 +496,26 @@ private Q_SLOTS:
         QCOMPARE(v.modeloRejilla()->filaRejilla(0), 2);
         r.PonerRowHeight(1, -1); // shown again while another row stays hidden
         QCOMPARE(v.modeloRejilla()->filaRejilla(0), 1);
+        // All at once, as the phone book's search does: row 3 comes back at the default height,
+        // row 4 keeps its own, rows 1 and 5 go; one reset, and the view follows.
+        r.PonerRowHeight(4, 500);
+        Registro registro;
+        r.AgregarOyente(&registro);
+        r.PonerFilasVisibles(1, {0, 1, 1, 1, 0});
+        r.QuitarOyente(&registro);
+        QCOMPARE(registro.avisos, QStringList({u"antesReinicio"_qs, u"reinicio"_qs}));
+        QCOMPARE(QList<int>({r.RowHeight(1), r.RowHeight(2), r.RowHeight(3), r.RowHeight(4), r.RowHeight(5)}),
+                 QList<int>({0, Rejilla::AltoFilaPorOmision, Rejilla::AltoFilaPorOmision, 500, 0}));
+        QCOMPARE(m->rowCount(), filas - 2);
+        QCOMPARE(v.modeloRejilla()->filaRejilla(0), 2);
+        QCOMPARE(v.modeloRejilla()->filaRejilla(3), 6);
+        std::vector<int> mostradas;
+        QVERIFY(r.FilasMostradas(1, mostradas));
+        QCOMPARE(mostradas.size(), std::size_t(filas - 2));
+        QCOMPARE(mostradas.front(), 2);
+        r.PonerFilasVisibles(1, std::vector<unsigned char>(std::size_t(filas), 1));
+        QVERIFY(!r.FilasMostradas(1, mostradas));
+        QCOMPARE(m->rowCount(), filas);
         // The layout's scaling through the invokable method.
         FactorX = FactorY = 2.0f;
         QVERIFY(QMetaObject::invokeMethod(&v, "EscalarColumnas"));

@@ -186,6 +186,16 @@ public:
     std::vector<std::pair<int, int>> AltosEspeciales() const;
     /// Rows of height 0 (hidden), in row order; empty at once when no row is hidden.
     std::vector<int> FilasOcultas() const;
+    /// The rows from `desde` on that are shown (height not 0), in order, into `filas` (its room
+    /// is reused). False, with `filas` left empty, at once when no row is hidden.
+    bool FilasMostradas(int desde, std::vector<int> &filas) const;
+    /// Whether some row has a height of its own other than 0 (hidden rows do not count).
+    bool HayAltosPropios() const { return m_altosEspeciales > m_ocultas; }
+    /// Shows or hides the rows from `primera` on at once, one flag per row (`visibles[i]` for row
+    /// `primera` + i): a row flagged 0 is hidden; a hidden row flagged 1 is shown at the default
+    /// height; a shown row flagged 1 keeps its height. The same as PonerRowHeight on each row that
+    /// changes, announced as one reset (a search that hides most of a large grid costs one pass).
+    void PonerFilasVisibles(int primera, const std::vector<unsigned char> &visibles);
 
     /// Bold attribute of the current cell, and of any cell.
     ///@{
