@@ -116,14 +116,35 @@ inline char32_t leerUtf8(const unsigned char *&p)
 // plain lower-case text costs one byte of key per character and nothing more.
 void claveTexto(std::vector<char> &out, const char *datos, std::size_t largo, bool conMayusculas)
 {
-    thread_local std::string acentos, mayusculas;
-    acentos.clear();
-    mayusculas.clear();
+    // Each level is written through a pointer into room made once: the first level takes at most
+    // two bytes a byte of text (an escape of four for a character of two bytes or more), the other
+    // two at most one a character, and three bytes of separators and end.
+    thread_local std::vector<char> acentos, mayusculas;
+    if (acentos.size() < largo) {
+        acentos.resize(largo);
+        mayusculas.resize(largo);
+    }
+    const std::size_t base = out.size();
+    out.resize(base + 4 * largo + 3);
+    char *d = out.data() + base;
+    std::size_t nAcentos = 0, nMayusculas = 0; // written up to the last non-neutral weight
+    const auto marcar = [](std::vector<char> &nivel, std::size_t &n, std::size_t posicion, char peso) {
+        std::fill(nivel.begin() + std::ptrdiff_t(n), nivel.begin() + std::ptrdiff_t(posicion), char(Neutro));
+        nivel[posicion] = peso;
+        n = posicion + 1;
+    };
     const auto &t = tabla();
     const unsigned char *p = reinterpret_cast<const unsigned char *>(datos);
     const unsigned char *fin = p + largo;
-    std::size_t posicion = 0;
-    while (p < fin) {
+    for (std::size_t posicion = 0; p < fin; ++posicion) {
+        if (*p < 0x80) {
+            // ASCII: always a one-byte weight and no accent.
+            const Peso &peso = t[*p++];
+            *d++ = char(peso.primario);
+            if (conMayusculas && peso.mayuscula)
+                marcar(mayusculas, nMayusculas, posicion, char(3));
+            continue;
+        }
         const char32_t c = leerUtf8(p);
         Peso peso;
         if (c < 256) {
@@ -132,32 +153,29 @@ void claveTexto(std::vector<char> &out, const char *datos, std::size_t largo, bo
             peso.mayuscula = QChar::toCaseFolded(c) != c;
         }
         if (peso.primario) {
-            out.push_back(char(peso.primario));
+            *d++ = char(peso.primario);
         } else {
             const char32_t plegado = c < 256 ? c : QChar::toCaseFolded(c);
-            const char escape[4] = {char(Escape), char(plegado >> 16), char(plegado >> 8), char(plegado)};
-            out.insert(out.end(), escape, escape + 4);
+            *d++ = char(Escape);
+            *d++ = char(plegado >> 16);
+            *d++ = char(plegado >> 8);
+            *d++ = char(plegado);
         }
-        if (peso.acento != Neutro) {
-            acentos.resize(posicion, char(Neutro));
-            acentos.push_back(char(peso.acento));
-        }
-        if (conMayusculas && peso.mayuscula) {
-            mayusculas.resize(posicion, char(Neutro));
-            mayusculas.push_back(char(3));
-        }
-        ++posicion;
+        if (peso.acento != Neutro)
+            marcar(acentos, nAcentos, posicion, char(peso.acento));
+        if (conMayusculas && peso.mayuscula)
+            marcar(mayusculas, nMayusculas, posicion, char(3));
     }
-    if (!mayusculas.empty()) {
-        out.push_back(char(Nivel));
-        out.insert(out.end(), acentos.begin(), acentos.end());
-        out.push_back(char(Nivel));
-        out.insert(out.end(), mayusculas.begin(), mayusculas.end());
-    } else if (!acentos.empty()) {
-        out.push_back(char(Nivel));
-        out.insert(out.end(), acentos.begin(), acentos.end());
+    if (nMayusculas || nAcentos) {
+        *d++ = char(Nivel);
+        d = std::copy_n(acentos.data(), nAcentos, d);
+        if (nMayusculas) {
+            *d++ = char(Nivel);
+            d = std::copy_n(mayusculas.data(), nMayusculas, d);
+        }
     }
-    out.push_back(char(Fin));
+    *d++ = char(Fin);
+    out.resize(std::size_t(d - out.data()));
 }
 
 // Eight bytes whose byte order is the order of the numbers.

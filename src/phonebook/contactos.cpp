@@ -31,6 +31,24 @@ QString textoError(const QString &ruta, const QString &causa)
     throw ErrorEjecucion(numero, textoError(ruta, causa));
 }
 
+// Whether [p, fin) holds a control character (below 0x20), eight bytes at a time: a TAB, CR or
+// LF typed into a cell must not split the contact, and cells almost never hold one. A byte below
+// 0x20 is the only one for which b - 0x20 borrows without the byte's high bit set.
+bool hayControl(const char *p, const char *const fin)
+{
+    constexpr uint64_t Unos = 0x0101010101010101ULL, Altos = 0x8080808080808080ULL;
+    for (; fin - p >= 8; p += 8) {
+        uint64_t w;
+        std::memcpy(&w, p, sizeof w);
+        if ((w - 0x20 * Unos) & ~w & Altos)
+            return true;
+    }
+    for (; p < fin; ++p)
+        if (static_cast<unsigned char>(*p) < 0x20)
+            return true;
+    return false;
+}
+
 // The header line every program of the family writes: the grid's titles in code page 850.
 constexpr std::string_view CabeceraDos = "\tNombre\tTel\x82" "fono\tFax\teMail";
 
@@ -139,9 +157,10 @@ QByteArray TextoContactos(const Rejilla &grid)
                 *d++ = '\t';
             char *const inicio = d;
             d = DosDeUtf8(grid.CeldaUtf8(fila, col), d);
-            for (char *q = inicio; q < d; ++q)
-                if (*q == '\t' || *q == '\r' || *q == '\n')
-                    *q = ' ';
+            if (hayControl(inicio, d))
+                for (char *q = inicio; q < d; ++q)
+                    if (*q == '\t' || *q == '\r' || *q == '\n')
+                        *q = ' ';
         }
     }
     *d++ = '\r';
