@@ -441,14 +441,10 @@ void Rejilla::PonerFilasVisibles(int primera, const std::vector<unsigned char> &
     }
     bool cambio = false;
     for (std::size_t i = 0; i < visibles.size(); ++i) {
-        int32_t &alto = m_altos[ranura(primera + int(i))];
-        const bool oculta = alto == 0;
-        if (oculta == !visibles[i])
+        const uint32_t r = ranura(primera + int(i));
+        if ((m_altos[r] == 0) == !visibles[i])
             continue;
-        const int32_t nuevo = visibles[i] ? -1 : 0;
-        m_altosEspeciales += std::size_t(nuevo >= 0) - std::size_t(alto >= 0);
-        m_ocultas += std::size_t(nuevo == 0) - std::size_t(alto == 0);
-        alto = nuevo;
+        ponerAltoRanura(r, visibles[i] ? -1 : 0);
         cambio = true;
     }
     if (cambio && avisar()) {

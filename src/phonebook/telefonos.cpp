@@ -72,14 +72,12 @@ public:
     void buscar(const QString &texto)
     {
         const IndiceBusqueda &indice = actual();
-        const std::string aguja = mayusculas(texto);
-        const std::vector<unsigned char> dentro =
-            m_buscado && aguja.compare(0, m_buscado->size(), *m_buscado) == 0 && !m_buscado->empty()
-                ? indice.Buscar(texto, m_dentro)
-                : indice.Buscar(texto);
+        std::vector<unsigned char> dentro = m_buscado && !m_buscado->isEmpty() && texto.startsWith(*m_buscado)
+                                                ? indice.Buscar(texto, m_dentro)
+                                                : indice.Buscar(texto);
         sinCambioDeTexto([&] { m_grid.PonerFilasVisibles(1, dentro); });
-        m_dentro = dentro;
-        m_buscado = aguja;
+        m_dentro = std::move(dentro);
+        m_buscado = texto;
     }
     // Changes made inside `cambio` leave the texts as they were.
     template <typename F> void sinCambioDeTexto(F &&cambio)
@@ -102,20 +100,12 @@ private:
     void columnasQuitadas() override { ensuciar(); }
     void celdasCambiadas(int, int, int, int) override { ensuciar(); }
 
-    static std::string mayusculas(const QString &texto)
-    {
-        std::string r;
-        const QByteArray utf8 = texto.toUtf8();
-        MayusculasUtf8(std::string_view(utf8.constData(), std::size_t(utf8.size())), r);
-        return r;
-    }
-
     Rejilla &m_grid;
     IndiceBusqueda m_datos;
     bool m_sucio = true;
     bool m_ignorar = false;
     std::vector<unsigned char> m_dentro;   ///< per index row: held the last text searched
-    std::optional<std::string> m_buscado;  ///< the last text searched, upper-cased
+    std::optional<QString> m_buscado;      ///< the last text searched
 };
 
 Telefonos::Telefonos(QWidget *parent)
