@@ -1,6 +1,7 @@
 #include <kvr/micalc.h>
 #include "ui_micalc.h"
 
+#include <kvr/accesible.h>
 #include <kvr/error.h>
 #include <kvr/escala.h>
 #include <kvr/impresora.h>
@@ -39,6 +40,22 @@ int codigoAscii(const QKeyEvent *k)
     }
     const QString t = k->text();
     return t.isEmpty() ? 0 : int(t.at(0).unicode());
+}
+
+// Keys that are no calculator key and belong to the control that has the focus: the arrows and
+// page keys move through the tape line by line, the space bar ticks the toggle.
+bool esDeNavegacion(const QObject *objeto, const QKeyEvent *k, const QObject *papel, const QObject *fijar)
+{
+    if (objeto == papel) {
+        switch (k->key()) {
+        case Qt::Key_Up: case Qt::Key_Down: case Qt::Key_Left: case Qt::Key_Right:
+        case Qt::Key_PageUp: case Qt::Key_PageDown: case Qt::Key_Home: case Qt::Key_End:
+            return true;
+        default:
+            return false;
+        }
+    }
+    return objeto == fijar && k->key() == Qt::Key_Space;
 }
 
 } // namespace
@@ -85,6 +102,24 @@ MiCalc::MiCalc(QWidget *parent)
         portapapeles->setText(texto);
     };
 
+    // A screen reader's view: the display reads as text named by its purpose and announces each
+    // new value; the key pad, which holds the focus after every action, carries the value as its
+    // description; the toggle is named by what it does, its tick is its state. Tab goes round the
+    // key pad, the display, the tape and the toggle (when shown); every key still acts on the
+    // calculator wherever the focus is.
+    ui->Pantalla->setAccessibleName(QStringLiteral("Resultado"));
+    AccesibleComoValor(ui->Pantalla);
+    setFocusPolicy(Qt::ClickFocus);
+    ui->Pantalla->setFocusPolicy(Qt::TabFocus);
+    ui->Papel->setFocusPolicy(Qt::StrongFocus);
+    ui->Papel->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    ui->FijarUp->setFocusPolicy(Qt::TabFocus);
+    ui->FijarUp->setAccessibleName(QStringLiteral("Siempre visible"));
+    ui->Panel->setAccessibleDescription(ui->Pantalla->text());
+    setTabOrder(ui->Panel, ui->Pantalla);
+    setTabOrder(ui->Pantalla, ui->Papel);
+    setTabOrder(ui->Papel, ui->FijarUp);
+
     // The form sees every key first, whichever control has the focus.
     vigilar(this);
     for (QWidget *w : findChildren<QWidget *>())
@@ -108,7 +143,13 @@ void MiCalc::vigilar(QWidget *w)
 
 void MiCalc::mostrar()
 {
-    ui->Pantalla->setText(m_motor.Pantalla());
+    const QString antes = ui->Pantalla->text();
+    const QString ahora = m_motor.Pantalla();
+    ui->Pantalla->setText(ahora);
+    if (ahora != antes) {
+        ui->Panel->setAccessibleDescription(ahora);
+        AnunciarValor(ui->Pantalla, antes);
+    }
     ui->Pantalla->setToolTip(m_motor.LineaPantalla());
     ui->decimales->setText(m_motor.TextoDecimales());
 }
@@ -252,7 +293,15 @@ bool MiCalc::eventFilter(QObject *objeto, QEvent *evento)
             vigilar(static_cast<QWidget *>(hijo));
         return false;
     case QEvent::KeyPress: {
-        int codigo = codigoAscii(static_cast<QKeyEvent *>(evento));
+        const auto *k = static_cast<QKeyEvent *>(evento);
+        if (esDeNavegacion(objeto, k, ui->Papel, ui->FijarUp))
+            return false;
+        if ((k->key() == Qt::Key_Tab || k->key() == Qt::Key_Backtab)
+            && !(k->modifiers() & (Qt::ControlModifier | Qt::AltModifier))) {
+            focusNextPrevChild(k->key() == Qt::Key_Tab && !(k->modifiers() & Qt::ShiftModifier));
+            return true;
+        }
+        int codigo = codigoAscii(k);
         Form_KeyPress(codigo);
         return true; // every key is the calculator's: no control receives it
     }
@@ -263,6 +312,8 @@ bool MiCalc::eventFilter(QObject *objeto, QEvent *evento)
         return true;
     }
     case QEvent::ShortcutOverride:
+        if (esDeNavegacion(objeto, static_cast<QKeyEvent *>(evento), ui->Papel, ui->FijarUp))
+            return false;
         // Keys that a control would claim as shortcuts (Escape, Backspace) come as key presses.
         evento->accept();
         return true;

@@ -3,6 +3,7 @@
 #include <kvr/mybox.h>
 #include "ui_mybox.h"
 
+#include <kvr/accesible.h>
 #include <kvr/campos.h>
 #include <kvr/comunes.h>
 #include <kvr/error.h>
@@ -75,6 +76,15 @@ QRectF enTwips(const QRect &r)
     return QRectF(r.x() * tx, r.y() * ty, r.width() * tx, r.height() * ty);
 }
 
+// The prompt labels the field it asks for (its buddy, and its name: a drop-down list is named
+// by its current choice otherwise, and a long prompt in a scrolling area is not the field's
+// sibling, where a buddy is looked for): a reader says it when the field takes the focus.
+void rotular(QLabel *pregunta, QWidget *campo)
+{
+    pregunta->setBuddy(campo);
+    campo->setAccessibleName(pregunta->text());
+}
+
 } // namespace
 
 MyBox::MyBox(QWidget *parent)
@@ -91,8 +101,8 @@ MyBox::MyBox(QWidget *parent)
         m_botones[i] = findChild<QPushButton *>(QStringLiteral("Boton_%1_").arg(i));
         Q_ASSERT(m_botones[i]);
         m_botones[i]->setObjectName(QStringLiteral("Boton(%1)").arg(i));
-        // The buttons stay down when pressed; their handler lets them spring back.
-        connect(m_botones[i], &QPushButton::toggled, this, Manejador(this, &MyBox::Boton_Click, i));
+        // Plain push buttons (a reader announces them as buttons); a click answers the box.
+        connect(m_botones[i], &QPushButton::clicked, this, Manejador(this, &MyBox::Boton_Click, i));
         m_botones[i]->installEventFilter(this);
     }
     connect(ui->Ayuda, &QPushButton::clicked, this, Manejador(this, &MyBox::Ayuda_Click));
@@ -106,6 +116,8 @@ MyBox::MyBox(QWidget *parent)
     connect(visor, &VisorRejilla::DobleClick, this, Manejador(this, &MyBox::VisorMini_DblClick));
     connect(visor, &VisorRejilla::RowColChange, this, Manejador(this, &MyBox::VisorMini_RowColChange));
     ui->RGBText->installEventFilter(this);
+    // The caption strip the frameless box paints is its title bar: a reader says the title once.
+    AccesibleComoTitulo(ui->etiTitulo);
 
     // Tab order of the design: the question's controls, then the buttons left to right.
     m_ordenTab = {ui->CampoTexto, ui->CampoHasta, ui->cbxTabla, ui->VisorMini,
@@ -220,6 +232,7 @@ void MyBox::PrepararPregunta(const QString &TagDelCampo, const QString &DatoInic
         desde->setText(DatoInicial);
         PonerIndiceTab(desde, 0);
         PrepararCampo(desde);
+        rotular(ui->Mensaje, desde);
         break;
     case TipoPregunta::Rango: {
         desde->resize(hasta->width(), desde->height());
@@ -251,6 +264,8 @@ void MyBox::PrepararPregunta(const QString &TagDelCampo, const QString &DatoInic
         ui->cbxTabla->setGeometry(desde->x(), desde->y(), desde->width(), ui->cbxTabla->height());
         ui->cbxTabla->show();
         PonerIndiceTab(ui->cbxTabla, 0);
+        rotular(ui->Mensaje, ui->cbxTabla);
+        AccesibleComoLista(ui->cbxTabla);
         break;
     }
 }
@@ -390,10 +405,6 @@ void MyBox::Boton_Click(int Index)
     if (m_guardaClic || m_descargada)
         return;
     QPushButton *boton = m_botones[Index];
-    m_guardaClic = true;
-    if (boton->isChecked())
-        boton->setChecked(false);
-    m_guardaClic = false;
 
     if (const std::optional<int> codigo = CodigoDeBoton(boton->text()))
         m_codigo = float(*codigo);

@@ -417,7 +417,13 @@ void VisorRejilla::seguirVisible(bool visible)
 
 void VisorRejilla::currentChanged(const QModelIndex &actual, const QModelIndex &anterior)
 {
-    QTableView::currentChanged(actual, anterior);
+    // QTableView tells a screen reader that the new current cell has the focus even when the view
+    // does not have it: a search typed in another field, which moves the current row, would
+    // take the reader away from that field. Only a view that has the focus says so.
+    if (hasFocus())
+        QTableView::currentChanged(actual, anterior);
+    else
+        QAbstractItemView::currentChanged(actual, anterior); // NOLINT(bugprone-parent-virtual-call)
     if (!actual.isValid())
         return;
     const int fila = m_modelo->filaRejilla(actual.row());

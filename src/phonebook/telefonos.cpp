@@ -21,6 +21,7 @@
 #include <QWheelEvent>
 #include <QTimer>
 
+#include <algorithm>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -44,6 +45,15 @@ const QString TextoFila1 = QStringLiteral(
     "La primera fila de la lista tiene datos, aunque no tiene nombre.;;¿ Desea escribir el contacto nuevo "
     "sobre ella ?;;(No: se añade como contacto nuevo.)");
 const QString TituloVentana = QStringLiteral("Teléfonos");
+
+// A screen reader hears how many contacts a search left from the list's description, which
+// changes with each search, while the focus stays in the search field.
+void anunciarEncontrados(QWidget *lista, std::size_t n)
+{
+    lista->setAccessibleDescription(n == 0   ? QStringLiteral("Ningún contacto")
+                                    : n == 1 ? QStringLiteral("1 contacto")
+                                             : QStringLiteral("%1 contactos").arg(n));
+}
 
 // Rows hold the contact's four cells run together for the search.
 const std::vector<int> ColumnasBusqueda = {ColNombre, ColTelefono, ColFax, ColEmail};
@@ -69,7 +79,8 @@ public:
     // Shows the rows that hold `texto` and hides the others. Text that extends the last one
     // searched (one more letter typed) is looked for only in the rows that held the last one;
     // the grid touches only the rows whose state changes.
-    void buscar(const QString &texto)
+    // Returns how many contacts hold it.
+    std::size_t buscar(const QString &texto)
     {
         const IndiceBusqueda &indice = actual();
         std::vector<unsigned char> dentro = m_buscado && !m_buscado->isEmpty() && texto.startsWith(*m_buscado)
@@ -78,6 +89,7 @@ public:
         sinCambioDeTexto([&] { m_grid.PonerFilasVisibles(1, dentro); });
         m_dentro = std::move(dentro);
         m_buscado = texto;
+        return std::size_t(std::count(m_dentro.begin(), m_dentro.end(), 1));
     }
     // Changes made inside `cambio` leave the texts as they were.
     template <typename F> void sinCambioDeTexto(F &&cambio)
@@ -202,6 +214,7 @@ void Telefonos::Form_Load()
     CargarContactos();
     m_programaFax = CarpetaContactos() + QStringLiteral("Telecopia/Telecopia");
     ui->cmdFax->setEnabled(Existe(m_programaFax, false));
+    Centrar(this);
 }
 
 void Telefonos::CargarContactos()
@@ -221,6 +234,7 @@ void Telefonos::CargarContactos()
     setWindowTitle(m_soloConsulta.isEmpty() ? TituloVentana : TituloVentana + QStringLiteral(" (solo consulta)"));
     modoConsulta();
     ui->BuscoTLF->clear();
+    anunciarEncontrados(ui->Telfs, std::size_t(std::max(0, grid().Rows() - 1)));
     grid().PonerRow(grid().Rows() > 1 ? 1 : 0);
     grid().PonerCol(ColNombre);
     // The search text is made once the window is idle, so that the first keystroke finds it.
@@ -306,7 +320,7 @@ void Telefonos::BuscoTLF_Change()
     if (m_cargando || !Existe(m_fichero, false))
         return;
     Moviendo moviendo(m_moviendo);
-    m_indice->buscar(ui->BuscoTLF->text());
+    anunciarEncontrados(ui->Telfs, m_indice->buscar(ui->BuscoTLF->text()));
 }
 
 void Telefonos::elegirFila(int fila, int col)

@@ -1,6 +1,7 @@
 #include <kvr/impresora.h>
 #include "ui_impresora.h"
 
+#include <kvr/accesible.h>
 #include <kvr/error.h>
 #include <kvr/layout.h>
 #include <kvr/utilidades.h>
@@ -44,6 +45,7 @@ Impresora::Impresora(QWidget *parent)
     m_iconos = new ListaIconos(this);
 
     connect(ui->ModoPapel, &QPushButton::clicked, this, Manejador(this, &Impresora::ModoPapel_Click));
+    AccesibleComoLista(ui->ListaImpresoras);
     connect(ui->ListaImpresoras, &QComboBox::activated, this, Manejador(this, &Impresora::ListaImpresoras_Click));
     connect(ui->cmdAceptar, &QPushButton::clicked, this, Manejador(this, &Impresora::cmdAceptar_Click));
     connect(ui->cmdCancelar, &QPushButton::clicked, this, Manejador(this, &Impresora::cmdCancelar_Click));

@@ -5,7 +5,10 @@ programa="$1"
 if ! command -v xvfb-run >/dev/null || ! command -v xdotool >/dev/null; then
   echo "xvfb-run and xdotool are needed for this test"; exit 1
 fi
-exec xvfb-run -a sh -c '
+# Under a session bus, as on a desktop (see tests/e2e/CMakeLists.txt).
+bus=""
+command -v dbus-run-session >/dev/null && bus="dbus-run-session --"
+exec $bus xvfb-run -a sh -c '
   programa="$1"
   QT_QPA_PLATFORM=xcb "$programa" &
   pid=$!
