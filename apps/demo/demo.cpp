@@ -72,6 +72,9 @@ Demo::Demo(QWidget *parent)
         auto *campo = new QLineEdit(this);
         campo->setObjectName(QString::fromLatin1(e.nombre));
         kvr::PrepararCampo(campo, QString::fromUtf8(e.tag));
+        // The row's label sits beside a layout, not the field, so the field is named after it.
+        campo->setAccessibleName(QString::fromUtf8(e.etiqueta));
+        campo->setAccessibleDescription(QString::fromUtf8(e.tag));
         auto *fila = new QHBoxLayout;
         fila->addWidget(campo, 1);
         auto *tag = new QLabel(QString::fromUtf8(e.tag), this);
@@ -90,6 +93,7 @@ Demo::Demo(QWidget *parent)
                    QStringLiteral("Abril"), QStringLiteral("Mayo"), QStringLiteral("Junio")});
     kvr::PrepararCampo(mes, QStringLiteral("T(m) L(10) A(I) +(Marzo)"));
     form->addRow(QStringLiteral("Lista (+ elige Marzo)"), mes);
+    kvr::AccesibleComoLista(mes);
 
     // The runtime's boxes: a message with each button set, a value of each field type, a date
     // range, a choice from a list, and the help window.
@@ -114,6 +118,8 @@ Demo::Demo(QWidget *parent)
                                       -1, -1, this);
         resultado->setText(QStringLiteral("Resultado: %1").arg(r));
     });
+    juego->setAccessibleName(QStringLiteral("Juego de botones"));
+    kvr::AccesibleComoLista(juego);
     auto *filaMensaje = new QHBoxLayout;
     filaMensaje->addWidget(juego, 1);
     filaMensaje->addWidget(mensaje);
@@ -131,6 +137,8 @@ Demo::Demo(QWidget *parent)
                                           {}, -1, -1, this, datos(QStringLiteral("ayuda_demo.rtf")));
         resultado->setText(QStringLiteral("Resultado: «%1»").arg(r));
     });
+    tipo->setAccessibleName(QStringLiteral("Tipo de campo"));
+    kvr::AccesibleComoLista(tipo);
     auto *filaPedir = new QHBoxLayout;
     filaPedir->addWidget(tipo, 1);
     filaPedir->addWidget(pedir);
@@ -262,6 +270,7 @@ Demo::Demo(QWidget *parent)
     auto *texto = new QLineEdit(this);
     texto->setObjectName(QStringLiteral("CampoImporteONif"));
     texto->setPlaceholderText(QStringLiteral("Importe (1234.56) o NIF"));
+    texto->setAccessibleName(QStringLiteral("Importe o NIF"));
     auto *enLetras = new QLabel(this);
     enLetras->setObjectName(QStringLiteral("etiEnLetras"));
     connect(texto, &QLineEdit::textChanged, enLetras, [enLetras](const QString &t) {

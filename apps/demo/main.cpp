@@ -28,5 +28,7 @@ int main(int argc, char *argv[])
     }
     Demo demo;
     demo.show();
+    // With no window manager (a bare X server) nothing gives the window the focus.
+    demo.activateWindow();
     return app.exec();
 }

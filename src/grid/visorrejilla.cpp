@@ -60,6 +60,28 @@ void ModeloRejilla::leerTamanos()
                  && m_vista.size() != std::size_t(std::max(0, m_filas - m_cabecera));
     if (!m_filtrada)
         std::vector<int>().swap(m_vista);
+    m_columnas.clear();
+    for (int c = 0; c < m_cols; ++c)
+        if (m_rejilla.ColWidth(c) != 0)
+            m_columnas.push_back(c);
+    m_colsFiltradas = m_columnas.size() != std::size_t(m_cols);
+    if (!m_colsFiltradas)
+        m_columnas.clear();
+}
+
+int ModeloRejilla::colRejilla(int colVista) const
+{
+    if (!m_colsFiltradas)
+        return colVista;
+    return colVista >= 0 && std::size_t(colVista) < m_columnas.size() ? m_columnas[std::size_t(colVista)] : -1;
+}
+
+int ModeloRejilla::colVista(int colRejilla) const
+{
+    if (!m_colsFiltradas)
+        return colRejilla;
+    const auto it = std::lower_bound(m_columnas.begin(), m_columnas.end(), colRejilla);
+    return it != m_columnas.end() && *it == colRejilla ? int(it - m_columnas.begin()) : -1;
 }
 
 int ModeloRejilla::filaRejilla(int filaVista) const
@@ -92,7 +114,9 @@ int ModeloRejilla::rowCount(const QModelIndex &parent) const
 
 int ModeloRejilla::columnCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : m_cols;
+    if (parent.isValid())
+        return 0;
+    return m_colsFiltradas ? int(m_columnas.size()) : m_cols;
 }
 
 QVariant ModeloRejilla::data(const QModelIndex &index, int role) const
@@ -100,7 +124,7 @@ QVariant ModeloRejilla::data(const QModelIndex &index, int role) const
     if (!index.isValid())
         return {};
     const int fila = filaRejilla(index.row());
-    const int col = index.column();
+    const int col = colRejilla(index.column());
     if (!valida(fila, col))
         return {};
     const bool fija = fila < m_rejilla.FixedRows() || col < m_rejilla.FixedCols();
@@ -125,6 +149,7 @@ QVariant ModeloRejilla::headerData(int seccion, Qt::Orientation orientacion, int
 {
     if (orientacion == Qt::Vertical)
         return role == Qt::DisplayRole ? QVariant(filaRejilla(seccion)) : QVariant();
+    seccion = colRejilla(seccion);
     if (m_cabecera == 0 || !valida(0, seccion))
         return {};
     switch (role) {
@@ -194,31 +219,45 @@ void ModeloRejilla::filasQuitadas()
         endRemoveRows();
 }
 
+// Columns come and go as themselves while all are shown; among hidden ones the map of shown
+// columns moves, and a reset says it plainly.
 void ModeloRejilla::antesDeInsertarColumnas(int primera, int ultima)
 {
-    beginInsertColumns({}, primera, ultima);
+    m_reiniciando = m_colsFiltradas;
+    if (m_reiniciando)
+        beginResetModel();
+    else
+        beginInsertColumns({}, primera, ultima);
 }
 
 void ModeloRejilla::columnasInsertadas()
 {
-    leerTamanos();
-    endInsertColumns();
+    if (!acabarReinicio())
+        endInsertColumns();
 }
 
 void ModeloRejilla::antesDeQuitarColumnas(int primera, int ultima)
 {
-    beginRemoveColumns({}, primera, ultima);
+    m_reiniciando = m_colsFiltradas;
+    if (m_reiniciando)
+        beginResetModel();
+    else
+        beginRemoveColumns({}, primera, ultima);
 }
 
 void ModeloRejilla::columnasQuitadas()
 {
-    leerTamanos();
-    endRemoveColumns();
+    if (!acabarReinicio())
+        endRemoveColumns();
 }
 
 void ModeloRejilla::celdasCambiadas(int fila0, int col0, int fila1, int col1)
 {
     col1 = std::min(col1, m_cols - 1);
+    if (m_colsFiltradas) { // the view columns of the shown grid columns from col0 to col1
+        col0 = int(std::lower_bound(m_columnas.begin(), m_columnas.end(), col0) - m_columnas.begin());
+        col1 = int(std::upper_bound(m_columnas.begin(), m_columnas.end(), col1) - m_columnas.begin()) - 1;
+    }
     if (col0 > col1)
         return;
     if (fila0 < m_cabecera)
@@ -237,10 +276,21 @@ void ModeloRejilla::columnaCambiada(int col)
 {
     if (col >= m_cols)
         return;
-    if (m_cabecera)
-        Q_EMIT headerDataChanged(Qt::Horizontal, col, col);
-    if (rowCount() > 0)
-        Q_EMIT dataChanged(index(0, col), index(rowCount() - 1, col), {Qt::TextAlignmentRole});
+    // A column hidden or shown by its width joins or leaves the model.
+    if ((m_rejilla.ColWidth(col) == 0) != (colVista(col) < 0)) {
+        beginResetModel();
+        leerTamanos();
+        endResetModel();
+        Q_EMIT rejillaReiniciada();
+        return;
+    }
+    const int v = colVista(col);
+    if (v >= 0) {
+        if (m_cabecera)
+            Q_EMIT headerDataChanged(Qt::Horizontal, v, v);
+        if (rowCount() > 0)
+            Q_EMIT dataChanged(index(0, v), index(rowCount() - 1, v), {Qt::TextAlignmentRole});
+    }
     Q_EMIT columnaModificada(col);
 }
 
@@ -314,7 +364,7 @@ VisorRejilla::VisorRejilla(QWidget *parent) : QTableView(parent)
     connect(m_modelo, &ModeloRejilla::rejillaReiniciada, this, &VisorRejilla::aplicarTodo);
     connect(m_modelo, &QAbstractItemModel::columnsInserted, this, [this](const QModelIndex &, int a, int b) {
         for (int c = a; c <= b; ++c)
-            aplicarColumna(c);
+            aplicarColumna(m_modelo->colRejilla(c));
     });
     connect(m_modelo, &ModeloRejilla::celdaActualMovida, this, &VisorRejilla::seguirCeldaActual);
     connect(m_modelo, &ModeloRejilla::redrawPuesto, this, [this](bool r) { viewport()->setUpdatesEnabled(r); });
@@ -322,8 +372,8 @@ VisorRejilla::VisorRejilla(QWidget *parent) : QTableView(parent)
     connect(this, &QObject::objectNameChanged, this, [this](const QString &n) { m_rejilla.PonerNombre(n); });
     connect(horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int s) {
         m_filaRaton = 0;
-        m_colRaton = s;
-        Q_EMIT Click(0, s);
+        m_colRaton = m_modelo->colRejilla(s);
+        Q_EMIT Click(0, m_colRaton);
     });
     aplicarTodo();
 }
@@ -352,12 +402,11 @@ void VisorRejilla::EscalarColumnas()
 
 void VisorRejilla::aplicarColumna(int col)
 {
-    if (col < 0 || col >= m_modelo->columnCount() || col >= m_rejilla.Cols())
+    const int v = m_modelo->colVista(col); // -1 for a hidden column, which the view does not have
+    if (v < 0 || v >= m_modelo->columnCount() || col >= m_rejilla.Cols())
         return;
     const int ancho = m_rejilla.ColWidth(col);
-    setColumnHidden(col, ancho == 0);
-    if (ancho != 0)
-        setColumnWidth(col, pixeles(ancho < 0 ? AnchoPorOmision : ancho));
+    setColumnWidth(v, pixeles(ancho < 0 ? AnchoPorOmision : ancho));
 }
 
 void VisorRejilla::aplicarFila(int fila)
@@ -373,7 +422,7 @@ void VisorRejilla::aplicarTodo()
 {
     horizontalHeader()->setVisible(m_modelo->filasEnCabecera() == 1);
     for (int c = 0; c < m_modelo->columnCount(); ++c)
-        aplicarColumna(c);
+        aplicarColumna(m_modelo->colRejilla(c));
     // Hidden rows (height 0) are not rows of the model: only rows of a height of their own are
     // looked up, and the grid is not walked at all when no row has one.
     for (const auto &[fila, alto] : m_rejilla.HayAltosPropios() ? m_rejilla.AltosEspeciales()
@@ -392,10 +441,18 @@ void VisorRejilla::seguirCeldaActual(int fila, int col)
     if (m_sincronizando)
         return;
     const int v = m_modelo->filaVista(fila);
-    if (v < 0 || v >= m_modelo->rowCount() || col < 0 || col >= m_modelo->columnCount())
+    if (v < 0 || v >= m_modelo->rowCount() || col < 0)
+        return;
+    // A current cell in a hidden column shows on the first shown column after it (or before it).
+    int c = -1;
+    for (int g = col; g < m_rejilla.Cols() && c < 0; ++g)
+        c = m_modelo->colVista(g);
+    for (int g = col - 1; g >= 0 && c < 0; --g)
+        c = m_modelo->colVista(g);
+    if (c < 0 || c >= m_modelo->columnCount())
         return;
     m_sincronizando = true;
-    setCurrentIndex(m_modelo->index(v, col));
+    setCurrentIndex(m_modelo->index(v, c));
     m_sincronizando = false;
 }
 
@@ -427,10 +484,11 @@ void VisorRejilla::currentChanged(const QModelIndex &actual, const QModelIndex &
     if (!actual.isValid())
         return;
     const int fila = m_modelo->filaRejilla(actual.row());
-    if (!m_sincronizando && fila >= 0 && fila < m_rejilla.Rows() && actual.column() < m_rejilla.Cols()) {
+    const int col = m_modelo->colRejilla(actual.column());
+    if (!m_sincronizando && fila >= 0 && fila < m_rejilla.Rows() && col >= 0 && col < m_rejilla.Cols()) {
         m_sincronizando = true;
         m_rejilla.PonerRow(fila);
-        m_rejilla.PonerCol(actual.column());
+        m_rejilla.PonerCol(col);
         m_sincronizando = false;
     }
     Q_EMIT RowColChange();
@@ -440,7 +498,7 @@ void VisorRejilla::posicionRaton(const QPoint &p)
 {
     const QModelIndex i = indexAt(p);
     m_filaRaton = i.isValid() ? m_modelo->filaRejilla(i.row()) : -1;
-    m_colRaton = i.isValid() ? i.column() : -1;
+    m_colRaton = i.isValid() ? m_modelo->colRejilla(i.column()) : -1;
 }
 
 void VisorRejilla::mousePressEvent(QMouseEvent *e)

@@ -1,7 +1,7 @@
 // How the runtime's windows read to a screen reader where Qt's own accessible interfaces fall
 // short:
-// - a window built on a plain QWidget (calculator, phone book, table editor, progress) is a
-//   window with its title, where Qt would expose a nameless client area ("filler"): a factory
+// - a window built on a plain QWidget (calculator, phone book, table editor, progress, and a
+//   host's forms built the same way) is a window with its title, where Qt would expose a nameless client area ("filler"): a factory
 //   installed when the library loads answers for those classes, which Qt's own does not know;
 // - a label showing a live value (the calculator's display) reads as read-only text, so a reader
 //   can move through it, and hears each new value from the text updates its window sends;
@@ -155,9 +155,10 @@ QAccessibleInterface *fabrica(const QString &clase, QObject *objeto)
     if (!objeto || !objeto->isWidgetType())
         return nullptr;
     auto *w = static_cast<QWidget *>(objeto);
-    // Asked first by the most derived class: a runtime window class right on top of QWidget.
+    // Asked first by the most derived class: a window class right on top of QWidget (the
+    // runtime's, or a host's form built the same way), which Qt's factory does not know.
     const QMetaObject *meta = w->metaObject();
-    if (w->isWindow() && clase == QLatin1String(meta->className()) && clase.startsWith(u"kvr::")
+    if (w->isWindow() && clase == QLatin1String(meta->className())
         && meta->superClass() == &QWidget::staticMetaObject)
         return new QAccessibleWidget(w, QAccessible::Window);
     return nullptr;

@@ -115,7 +115,7 @@ inline void responder(const QString &boton, QString *mensaje = nullptr)
 // column, scrolling it into view first.
 inline void clicCelda(kvr::VisorRejilla *v, int filaVista, int col, Qt::MouseButton boton = Qt::LeftButton)
 {
-    const QModelIndex i = v->model()->index(filaVista, col);
+    const QModelIndex i = v->model()->index(filaVista, v->modeloRejilla()->colVista(col));
     v->scrollTo(i);
     QTest::mouseClick(v->viewport(), boton, {}, v->visualRect(i).center());
     QCoreApplication::processEvents();

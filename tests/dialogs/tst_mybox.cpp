@@ -40,7 +40,7 @@ bool representar(QWidget *caja, const QString &guion)
         using Clic = void (*)(QWidget *, Qt::MouseButton, Qt::KeyboardModifiers, QPoint, int);
         const Clic clic = orden.startsWith(u"doble") ? Clic(&QTest::mouseDClick) : Clic(&QTest::mouseClick);
         if (orden.endsWith(u"fila")) {
-            const QModelIndex i = visor->model()->index(visor->modeloRejilla()->filaVista(n), 1);
+            const QModelIndex i = visor->model()->index(visor->modeloRejilla()->filaVista(n), visor->modeloRejilla()->colVista(1));
             visor->scrollTo(i);
             clic(visor->viewport(), Qt::LeftButton, {}, visor->visualRect(i).center(), -1);
         } else if (orden.endsWith(u"titulo"))

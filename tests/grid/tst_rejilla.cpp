@@ -401,13 +401,20 @@ private Q_SLOTS:
         v.show();
         QCoreApplication::processEvents();
         QAbstractItemModel *m = v.model();
-        QCOMPARE(m->columnCount(), 5);
-        // Widths: twips at the logical dpi; the untitled first column is hidden.
-        QVERIFY(v.isColumnHidden(0));
-        QCOMPARE(v.columnWidth(1), int(std::lround(34 * 120 * v.logicalDpiX() / 1440.0)));
-        // Alignments of cells and titles.
-        const auto alin = [m](int c) { return m->index(0, c).data(Qt::TextAlignmentRole).toInt(); };
-        const auto alinTitulo = [m](int c) { return m->headerData(c, Qt::Horizontal, Qt::TextAlignmentRole).toInt(); };
+        // The untitled first column has width 0: hidden, and no column of the model (a screen
+        // reader is not told of it); model columns 0..3 are grid columns 1..4.
+        QCOMPARE(m->columnCount(), 4);
+        const auto vc = [&v](int col) { return v.modeloRejilla()->colVista(col); };
+        QCOMPARE((QList<int>{vc(0), vc(1), vc(4), v.modeloRejilla()->colRejilla(0), v.modeloRejilla()->colRejilla(3)}),
+                 (QList<int>{-1, 0, 3, 1, 4}));
+        QCOMPARE(m->headerData(0, Qt::Horizontal).toString(), u"Nombre"_qs);
+        // Widths: twips at the logical dpi.
+        QCOMPARE(v.columnWidth(vc(1)), int(std::lround(34 * 120 * v.logicalDpiX() / 1440.0)));
+        // Alignments of cells and titles, by grid column.
+        const auto alin = [m, vc](int c) { return m->index(0, vc(c)).data(Qt::TextAlignmentRole).toInt(); };
+        const auto alinTitulo = [m, vc](int c) {
+            return m->headerData(vc(c), Qt::Horizontal, Qt::TextAlignmentRole).toInt();
+        };
         const int centro = Qt::AlignVCenter;
         QCOMPARE((QList<int>{alin(1), alin(2), alin(3), alinTitulo(1), alinTitulo(3)}),
                  (QList<int>{Qt::AlignLeft | centro, Qt::AlignRight | centro, Qt::AlignHCenter | centro,
@@ -415,8 +422,8 @@ private Q_SLOTS:
         // Bold cells, and the sort's title mark: the sorted column's title (or another's) in bold,
         // the others plain, the current cell where it was.
         r.PonerNegritaCelda(2, 1, true);
-        QVERIFY(m->index(1, 1).data(Qt::FontRole).value<QFont>().bold());
-        QVERIFY(!m->index(0, 1).data(Qt::FontRole).isValid());
+        QVERIFY(m->index(1, vc(1)).data(Qt::FontRole).value<QFont>().bold());
+        QVERIFY(!m->index(0, vc(1)).data(Qt::FontRole).isValid());
         const auto marcas = [&r] {
             QString t;
             for (int c = 0; c < r.Cols(); ++c)
@@ -427,7 +434,7 @@ private Q_SLOTS:
         r.PonerCol(3);
         OrdenarVisor(r, 2, true);
         QCOMPARE(marcas(), u"00100 2,3"_qs);
-        QVERIFY(m->headerData(2, Qt::Horizontal, Qt::FontRole).value<QFont>().bold());
+        QVERIFY(m->headerData(vc(2), Qt::Horizontal, Qt::FontRole).value<QFont>().bold());
         QVERIFY(v.isVisible()); // shown again after the sort
         OrdenarVisor(r, 2, true, 4);
         QCOMPARE(marcas(), u"00001 2,3"_qs);
@@ -452,9 +459,9 @@ private Q_SLOTS:
         prueba::clicCelda(&v, 1, 2);
         QHeaderView *titulos = v.horizontalHeader();
         QTest::mouseClick(titulos->viewport(), Qt::LeftButton, {},
-                          QPoint(titulos->sectionViewportPosition(1) + 5, titulos->height() / 2));
+                          QPoint(titulos->sectionViewportPosition(vc(1)) + 5, titulos->height() / 2));
         prueba::clicCelda(&v, 2, 3, Qt::RightButton); // the right button does not move
-        QTest::mouseDClick(v.viewport(), Qt::LeftButton, {}, v.visualRect(m->index(1, 1)).center());
+        QTest::mouseDClick(v.viewport(), Qt::LeftButton, {}, v.visualRect(m->index(1, vc(1))).center());
         QCOMPARE(visto, u"Click 2,2 ratón 2,2 actual 2,2 | Click 0,1 ratón 0,1 actual 2,2 | "
                         "ClickDerecho 3,3 ratón 3,3 actual 2,2 | DobleClick 2,1 ratón 2,1 actual 2,1 | "_qs);
         // Changes under Redraw off reach the view as one reset when it comes back on; until then the
@@ -470,13 +477,25 @@ private Q_SLOTS:
         r.PonerRedraw(true);
         QCOMPARE(reinicio.size(), 1);
         QCOMPARE(m->rowCount(), 502);
-        QCOMPARE(m->index(501, 1).data().toString(), u"Nombre 499"_qs);
+        QCOMPARE(m->index(501, vc(1)).data().toString(), u"Nombre 499"_qs);
         r.AddItem(u"\tprimero"_qs, 1);
-        r.PonerCols(6);
+        r.PonerCols(6); // a column added beside a hidden one: the map moves, one reset
         r.PonerTextMatrix(0, 5, u"Nueva"_qs);
-        QCOMPARE(m->headerData(5, Qt::Horizontal).toString(), u"Nueva"_qs);
-        QCOMPARE(m->index(0, 1).data().toString(), u"primero"_qs);
-        QCOMPARE(reinicio.size(), 1);
+        QCOMPARE(m->headerData(vc(5), Qt::Horizontal).toString(), u"Nueva"_qs);
+        QCOMPARE(m->index(0, vc(1)).data().toString(), u"primero"_qs);
+        QCOMPARE(reinicio.size(), 2);
+        // A column hidden by its width leaves the model, and comes back with a width.
+        const auto cabeceras = [m] {
+            QStringList t;
+            for (int c = 0; c < m->columnCount(); ++c)
+                t << m->headerData(c, Qt::Horizontal).toString();
+            return t.join(u',');
+        };
+        r.PonerColWidth(3, 0);
+        QCOMPARE(cabeceras(), u"Nombre,Teléfono,eMail,Nueva"_qs);
+        r.PonerColWidth(3, 8 * 120);
+        QCOMPARE(cabeceras(), u"Nombre,Teléfono,Fax,eMail,Nueva"_qs);
+        QCOMPARE(v.columnWidth(vc(3)), v.pixeles(8 * 120));
         // Hidden rows follow RowHeight: a row of height 0 leaves the view, rows after it move up,
         // and it comes back in its place; under Redraw off the same comes with the one reset.
         const int filas = m->rowCount();
@@ -521,7 +540,7 @@ private Q_SLOTS:
         QVERIFY(QMetaObject::invokeMethod(&v, "EscalarColumnas"));
         QCOMPARE(r.ColWidth(1), 34 * 240);
         QCOMPARE(r.ColWidth(0), 0);
-        QCOMPARE(v.columnWidth(1), v.pixeles(34 * 240));
+        QCOMPARE(v.columnWidth(vc(1)), v.pixeles(34 * 240));
     }
 
 };

@@ -163,7 +163,7 @@ struct Ventana {
     {
         QStringList v;
         for (int f = 0; f < rejilla()->model()->rowCount(); ++f)
-            v << rejilla()->model()->index(f, 1).data().toString();
+            v << rejilla()->model()->index(f, rejilla()->modeloRejilla()->colVista(1)).data().toString();
         return v.join(u',');
     }
     // Which of the entry panel, its warning, a frame, Editar and Fax are shown and enabled.

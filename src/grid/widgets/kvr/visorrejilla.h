@@ -5,7 +5,7 @@
 /// Row 0 (the title row) is shown as the horizontal header, so the titles stay in place while the
 /// data scroll; the header takes the titles' alignment (FixedAlignment) and bold marks. Any
 /// further fixed rows and the fixed columns are shown as ordinary cells painted in the header's
-/// colour. A row of height 0 is hidden, a column of width 0 too. Widths are ColWidth twips at the
+/// colour. A row of height 0 is hidden, a column of width 0 too: neither is part of the model. Widths are ColWidth twips at the
 /// screen's logical dpi (1440 twips an inch). Row heights are uniform and nothing is done per row
 /// when the view is shown, so a grid of a million rows opens at once.
 ///
@@ -46,6 +46,13 @@ public:
     ///@{
     int filaRejilla(int filaVista) const;
     int filaVista(int filaRejilla) const;
+    ///@}
+    /// The grid column of a view column, and the view column of a grid column (-1 for a hidden
+    /// column). Columns of width 0 are not columns of the model either: a screen reader, which
+    /// reads the model, is not told of columns nobody sees.
+    ///@{
+    int colRejilla(int colVista) const;
+    int colVista(int colRejilla) const;
     ///@}
 
 Q_SIGNALS:
@@ -90,6 +97,9 @@ private:
     /// When some rows are hidden: the grid rows shown, in order (else empty, every row shown).
     std::vector<int> m_vista;
     bool m_filtrada = false;
+    /// When some column is hidden: the grid columns shown, in order (else empty, all shown).
+    std::vector<int> m_columnas;
+    bool m_colsFiltradas = false;
 };
 
 /// The grid control on screen: a QTableView showing the Rejilla it owns (see the file's

@@ -13,6 +13,7 @@
 #include <kvr/layout.h>
 #include <kvr/comunes.h>
 #include <kvr/utilidades.h>
+#include <kvr/accesible.h>
 #include <kvr/rtimekvr.h>
 #include <kvr/motorcalculadora.h>
 #include <kvr/micalc.h>

@@ -1,9 +1,10 @@
 #pragma once
 /// @file
 /// How a window's controls read to a screen reader (over AT-SPI on Linux) where a plain Qt
-/// widget does not say enough. Windows of the runtime built on a plain QWidget are exposed as
-/// windows with their title without any call; these routines are for the controls a window
-/// marks itself, and a host may use them on its own forms too.
+/// widget does not say enough. Once the library is loaded, a window class built right on QWidget
+/// (the runtime's and a host's alike) is exposed as a window with its title, where Qt would
+/// expose a nameless client area; these routines are for the controls a window marks itself, and
+/// a host may use them on its own forms too.
 #include <kvr/kvr_export.h>
 
 #include <QString>
