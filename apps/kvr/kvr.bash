@@ -4,7 +4,7 @@ _kvr()
     local cur prev ordenes opciones
     cur="${COMP_WORDS[COMP_CWORD]}"
     prev="${COMP_WORDS[COMP_CWORD-1]}"
-    ordenes="mensaje entrada visor progreso calculadora telefonos impresora ayuda tabla letras nif"
+    ordenes="mensaje entrada clave formulario visor progreso calculadora telefonos impresora ayuda tabla letras nif"
     if [ "$COMP_CWORD" -eq 1 ]; then
         COMPREPLY=($(compgen -W "$ordenes --help --version" -- "$cur"))
         return
@@ -16,16 +16,20 @@ _kvr()
         --botones) COMPREPLY=($(compgen -W "1 2 3 4 5 6" -- "$cur")); return ;;
         --omision) COMPREPLY=($(compgen -W "1 2 3" -- "$cur")); return ;;
         --titulo|--tag|--inicial|--lista|--separador|--titulos|--columna|--total|--timeout) return ;;
+        --campo|--longitud|--ancho|--alto) return ;;
     esac
     case "${COMP_WORDS[1]}" in
         mensaje) opciones="--titulo --icono --botones --omision" ;;
         entrada) opciones="--tag --inicial --lista --separador --ayuda --titulo --icono" ;;
+        clave) opciones="--titulo --longitud --icono" ;;
+        formulario) opciones="--campo --separador --titulo --ancho --alto" ;;
         visor) opciones="--titulos --columna --titulo --icono" ;;
         progreso) opciones="--total --titulo" ;;
         impresora) opciones="--apaisado" ;;
-        tabla) opciones="--titulos --tag" ;;
+        tabla) opciones="--titulos --tag --ancho --alto" ;;
+        calculadora|telefonos) opciones="--ancho --alto" ;;
+        ayuda) opciones="--titulo --ancho --alto" ;;
         letras) opciones="--moneda --numero" ;;
-        ayuda|tabla) ;;
     esac
     case "${COMP_WORDS[1]}" in
         letras|nif) ;;

@@ -42,6 +42,8 @@ Lectura LeerLinea(const QStringList &palabras, const ReglasOrden &e)
                 valor = palabras[++i];
             }
             a.opciones[nombre] = *valor;
+            if (e.repetibles.contains(nombre))
+                a.listas[nombre] << *valor;
         } else if (e.banderas.contains(nombre) && !valor) {
             a.opciones[nombre] = QString();
         } else {

@@ -17,17 +17,24 @@ struct ReglasOrden {
     int minimo = 0;        // positional arguments, at least
     int maximo = 0;        // and at most
     bool ventana = false;  // opens a window: --timeout too
+    QStringList repetibles; // options with a value that may come more than once (in conValor too)
 };
 
 struct Argumentos {
     QString orden;
-    std::map<QString, QString> opciones;
+    std::map<QString, QString> opciones;    // the last value of each option
+    std::map<QString, QStringList> listas;  // every value of a repeatable option, in order
     QStringList posicionales;
     bool tiene(const char *o) const { return opciones.count(QString::fromLatin1(o)) > 0; }
     QString valor(const char *o, const QString &omision = {}) const
     {
         const auto i = opciones.find(QString::fromLatin1(o));
         return i == opciones.end() ? omision : i->second;
+    }
+    QStringList valores(const char *o) const
+    {
+        const auto i = listas.find(QString::fromLatin1(o));
+        return i == listas.end() ? QStringList() : i->second;
     }
 };
 

@@ -5,12 +5,14 @@
 // nobody answered within --timeout.
 #include <kvr/kvr.h>
 
+#include "formulario.h"
 #include "linea.h"
 #include "pantalla.h"
 
 #include <QApplication>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
 #include <QLoggingCategory>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -84,6 +86,12 @@ QString leerEntrada()
     return QString::fromUtf8(f.readAll());
 }
 
+// --ancho / --alto: the size wanted for the first window the command opens (0: its own).
+int g_ancho = 0;
+int g_alto = 0;
+// "kvr clave": the box's field hides what is typed.
+bool g_clave = false;
+
 // The result code of the last runtime box that closed, read as it hides: MyInputBox gives "" both
 // for "Cancelar" and for an empty answer accepted, and the exit status tells them apart.
 float g_ultimoResultado = 0;
@@ -99,6 +107,22 @@ public:
             return false;
         auto *w = static_cast<QWidget *>(o);
         if (e->type() == QEvent::Show && w->isWindow()) {
+            if (g_clave)
+                if (auto *campo = w->findChild<QLineEdit *>(QStringLiteral("CampoTexto"))) {
+                    campo->setEchoMode(QLineEdit::Password);
+                    campo->setInputMethodHints(Qt::ImhHiddenText | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText);
+                }
+            // The size asked for goes to the first window only (not to a message it may show),
+            // through the proportional layout: controls, fonts and grid columns follow.
+            if ((g_ancho > 0 || g_alto > 0) && !m_dimensionada && w->objectName() != u"Formulario") {
+                m_dimensionada = true;
+                float ancho = float(g_ancho > 0 ? g_ancho : w->width());
+                float alto = float(g_alto > 0 ? g_alto : w->height());
+                kvr::Redimensionar(w, ancho, alto, false);
+                // The scaling rounds each control; the window itself is given the size exactly.
+                w->resize(g_ancho > 0 ? g_ancho : w->width(), g_alto > 0 ? g_alto : w->height());
+                kvr::Centrar(w);
+            }
             QTimer::singleShot(0, w, [w] { w->raise(); w->activateWindow(); });
         } else if (e->type() == QEvent::Hide) {
             if (auto *caja = qobject_cast<kvr::MyBox *>(w))
@@ -106,6 +130,9 @@ public:
         }
         return false;
     }
+
+private:
+    bool m_dimensionada = false;
 };
 
 int mensaje(Argumentos &a)
@@ -127,7 +154,7 @@ int entrada(Argumentos &a)
     const auto icono = entero(a, "icono", kvr::IconoPregunta, 1, kvr::NumeroIconos);
     if (!icono)
         return ErrorUso;
-    QString tag = a.valor("tag", QStringLiteral("T(A) L(60) A(I)"));
+    QString tag = kvr::orden::CompletarTag(a.valor("tag", QStringLiteral("T(A) L(60) A(I)")));
     QString inicial = a.valor("inicial");
     if (a.tiene("lista")) {
         if (a.tiene("tag"))
@@ -150,6 +177,39 @@ int entrada(Argumentos &a)
     } else {
         salida(r);
     }
+    return Aceptado;
+}
+
+int clave(Argumentos &a)
+{
+    const auto icono = entero(a, "icono", kvr::IconoClave, 1, kvr::NumeroIconos);
+    const auto longitud = entero(a, "longitud", 60, 1, 255);
+    if (!icono || !longitud)
+        return ErrorUso;
+    g_clave = true;
+    g_ultimoResultado = 0;
+    const QString r = kvr::MyInputBox(a.posicionales.value(0), a.valor("titulo", QStringLiteral("kvr")), *icono,
+                                      QStringLiteral("T(A) L(%1) A(I)").arg(*longitud));
+    if (g_ultimoResultado != 1.0f)
+        return Cancelado;
+    salida(r);
+    return Aceptado;
+}
+
+int formulario(Argumentos &a)
+{
+    QString problema;
+    const auto campos = kvr::orden::LeerCampos(a.valores("campo"), problema);
+    if (!campos)
+        return errorUso(a.orden, problema);
+    const auto r = kvr::orden::PedirFormulario(a.valor("titulo", QStringLiteral("kvr")), *campos, g_ancho, g_alto);
+    if (!r)
+        return Cancelado;
+    if (a.tiene("separador"))
+        salida(r->join(a.valor("separador")));
+    else
+        for (const QString &linea : *r)
+            salida(linea);
     return Aceptado;
 }
 
@@ -300,6 +360,8 @@ int ayuda(Argumentos &a)
 {
     const QString que = a.posicionales.value(0);
     kvr::MiniHelp ventana;
+    // The strip at the top says what is shown: the caller's text, else the program and its version.
+    ventana.TituloMiniWeb(a.valor("titulo"));
     const bool web = que.startsWith(u"http://") || que.startsWith(u"https://") || que.startsWith(u"file://");
     if (web) {
         bool problema = false;
@@ -369,6 +431,8 @@ const char *const AyudaGeneral =
     "Órdenes:\n"
     "  mensaje      caja de mensaje con botones (escribe el código del botón)\n"
     "  entrada      pide un valor, un intervalo o una opción de una lista\n"
+    "  clave        pide una contraseña sin mostrar lo que se teclea\n"
+    "  formulario   pide varios campos en una caja, cada uno con su descripción\n"
     "  visor        muestra filas de la entrada estándar y escribe la elegida\n"
     "  progreso     ventana de progreso guiada por la entrada estándar\n"
     "  calculadora  calculadora con cinta de papel\n"
@@ -385,6 +449,9 @@ const char *const AyudaGeneral =
     "\n"
     "Toda orden con ventana acepta además:\n"
     "  --timeout SEGUNDOS  cierra la ventana si nadie responde en ese tiempo (estado 5)\n"
+    "formulario, calculadora, telefonos, ayuda y tabla aceptan también:\n"
+    "  --ancho PIXELES, --alto PIXELES  tamaño de la ventana (sus controles y letras\n"
+    "                      crecen con ella)\n"
     "\n"
     "Cada orden acepta --help.  Las respuestas salen por la salida estándar, una por línea.\n"
     "\n"
@@ -400,7 +467,7 @@ const char *const AyudaGeneral =
 Orden hacer(const char *nombre, const char *ayuda, const QStringList &conValor, const QStringList &banderas,
             int minimo, int maximo, bool ventana, std::function<int(Argumentos &)> ejecutar)
 {
-    return {{QString::fromLatin1(nombre), conValor, banderas, minimo, maximo, ventana}, ayuda, std::move(ejecutar)};
+    return {{QString::fromLatin1(nombre), conValor, banderas, minimo, maximo, ventana, {}}, ayuda, std::move(ejecutar)};
 }
 
 std::vector<Orden> ordenes()
@@ -438,6 +505,29 @@ std::vector<Orden> ordenes()
          "  --icono N          icono, como en «kvr mensaje» (2)\n\n"
          "Estado 0 con Aceptar (aunque el valor esté vacío), 1 con Cancelar o Escape.\n",
          L({"tag", "inicial", "lista", "separador", "ayuda", "titulo", "icono"}), {}, 1, 1, true, entrada),
+        hacer("clave",
+         "Uso: kvr clave TEXTO [OPCIONES]\n"
+         "Pide una contraseña: lo tecleado se ve como puntos y se escribe una sola vez en la\n"
+         "salida estándar, nunca en la de errores.\n\n"
+         "  --titulo TEXTO     título de la caja\n"
+         "  --longitud N       caracteres como mucho (60)\n"
+         "  --icono N          icono, como en «kvr mensaje» (9)\n\n"
+         "Estado 0 con Aceptar, 1 con Cancelar o Escape.\n",
+         L({"titulo", "longitud", "icono"}), {}, 1, 1, true, clave),
+        hacer("formulario",
+         "Uso: kvr formulario --campo 'ETIQUETA;TAG[;INICIAL]'... [OPCIONES]\n"
+         "Pide varios campos en una caja; cada --campo es uno, con su etiqueta, la descripción\n"
+         "que rige sus teclas (\"T(F) L(10)\" una fecha, \"T(N) L(12) D(2)\" un importe...) y\n"
+         "un valor inicial.  Intro pasa al campo siguiente y, tras el último, a \"Aceptar\".\n\n"
+         "  --campo CAMPO      un campo (se repite, en el orden de la caja)\n"
+         "  --separador SEP    las respuestas en una línea, separadas por SEP (una por línea)\n"
+         "  --titulo TEXTO     título de la caja\n"
+         "  --ancho N, --alto N  tamaño de la caja en píxeles\n\n"
+         "Ejemplo:\n"
+         "  kvr formulario --campo 'Fecha;T(F) L(10)' --campo 'Cliente;T(M) L(20)' \\\n"
+         "                 --campo 'Importe;T(N) L(12) A(D) D(2)' --separador ';'\n\n"
+         "Estado 0 con Aceptar, 1 con Cancelar o Escape.\n",
+         L({"campo", "separador", "titulo", "ancho", "alto"}), {}, 0, 0, true, formulario),
         hacer("visor",
          "Uso: kvr visor --titulos COLUMNAS [OPCIONES] < FILAS\n"
          "Muestra en una rejilla las filas de la entrada estándar (celdas separadas por\n"
@@ -458,14 +548,16 @@ std::vector<Orden> ordenes()
          L({"total", "titulo"}), {}, 0, 0, true, progreso),
         hacer("calculadora",
          "Uso: kvr calculadora [+N]\n"
-         "Abre la calculadora con cinta de papel (+2: al doble de su tamaño).\n",
-         {}, {}, 0, 1, true, calculadora),
+         "Abre la calculadora con cinta de papel (+2: al doble de su tamaño).\n\n"
+         "  --ancho N, --alto N  tamaño de la ventana en píxeles\n",
+         L({"ancho", "alto"}), {}, 0, 1, true, calculadora),
         hacer("telefonos",
          "Uso: kvr telefonos\n"
          "Abre la agenda de teléfonos y escribe el correo del contacto elegido.\n"
-         "La agenda es TELEFONO.DAT en la carpeta de la variable TLF.\n"
+         "La agenda es TELEFONO.DAT en la carpeta de la variable TLF.\n\n"
+         "  --ancho N, --alto N  tamaño de la ventana en píxeles\n\n"
          "Estado 0 con un correo elegido, 1 si no.\n",
-         {}, {}, 0, 0, true, telefonos),
+         L({"ancho", "alto"}), {}, 0, 0, true, telefonos),
         hacer("impresora",
          "Uso: kvr impresora [--apaisado]\n"
          "Elige impresora y orientación; escribe la impresora y \"Vertical\" u \"Horizontal\".\n\n"
@@ -474,14 +566,17 @@ std::vector<Orden> ordenes()
          {}, L({"apaisado"}), 0, 0, true, impresora),
         hacer("ayuda",
          "Uso: kvr ayuda FICHERO|URL\n"
-         "Muestra un fichero de ayuda RTF o una página web en la ventana de ayuda.\n",
-         {}, {}, 1, 1, true, ayuda),
+         "Muestra un fichero de ayuda RTF o una página web en la ventana de ayuda.\n\n"
+         "  --titulo TEXTO     texto de la franja de arriba (el programa y su versión)\n"
+         "  --ancho N, --alto N  tamaño de la ventana en píxeles\n",
+         L({"titulo", "ancho", "alto"}), {}, 1, 1, true, ayuda),
         hacer("tabla",
          "Uso: kvr tabla FICHERO [OPCIONES]\n"
          "Edita una tabla de una columna guardada en un fichero de texto.\n\n"
          "  --titulos LINEA    columna de la rejilla (\"Elemento#25\")\n"
-         "  --tag TAG          descripción del campo (\"T(M) L(15) A(I)\")\n",
-         L({"titulos", "tag"}), {}, 1, 1, true, tabla),
+         "  --tag TAG          descripción del campo (\"T(M) L(15) A(I)\")\n"
+         "  --ancho N, --alto N  tamaño de la ventana en píxeles\n",
+         L({"titulos", "tag", "ancho", "alto"}), {}, 1, 1, true, tabla),
         hacer("letras",
          "Uso: kvr letras CANTIDAD [OPCIONES]\n"
          "Escribe una cantidad en letras: 1234,56 da \"mil doscientos treinta y cuatro euros\n"
@@ -515,7 +610,10 @@ int main(int argc, char *argv[])
         escribir(stdout, QStringLiteral("kvr (Runtime KVR) %1\n").arg(QStringLiteral(KVR_VERSION)));
         return 0;
     }
-    const std::vector<Orden> lista = ordenes();
+    std::vector<Orden> lista = ordenes();
+    for (Orden &o : lista)
+        if (o.reglas.nombre == u"formulario")
+            o.reglas.repetibles << QStringLiteral("campo");
     const Orden *orden = nullptr;
     for (const Orden &o : lista) {
         if (args[0] == o.reglas.nombre)
@@ -534,11 +632,20 @@ int main(int argc, char *argv[])
     Argumentos a = lectura.argumentos;
     if (a.orden == u"visor" && !a.tiene("titulos"))
         return errorUso(a.orden, QStringLiteral("falta --titulos"));
+    if (QString problema; a.orden == u"formulario" && !kvr::orden::LeerCampos(a.valores("campo"), problema))
+        return errorUso(a.orden, problema);
     // --timeout: seconds, a fraction allowed, up to a day.
     std::optional<int> esperaMs;
     if (a.tiene("timeout") && !(esperaMs = kvr::orden::LeerSegundos(a.valor("timeout"))))
         return errorUso(a.orden, QStringLiteral("--timeout debe ser un número de segundos de 0 a 86400: «%1»")
                                      .arg(a.valor("timeout")));
+    // --ancho / --alto: pixels, within what a screen can hold.
+    for (auto [opcion, destino] : {std::pair{"ancho", &g_ancho}, std::pair{"alto", &g_alto}}) {
+        const auto v = entero(a, opcion, 0, 50, 20000);
+        if (!v)
+            return ErrorUso;
+        *destino = *v;
+    }
     // A list from a file must be a regular file that can be read (a FIFO would block the box, a
     // folder or a missing file would give an empty list without a word): told before any window.
     if (const QString lista = a.valor("lista"); a.orden == u"entrada" && lista.startsWith(u'@')) {

@@ -72,6 +72,28 @@ printf 'LUGO\nMADRID\n' > "$tmp/lista.txt"
 lanzar entrada "Provincia" --titulo "Entrada fichero" --lista "@$tmp/lista.txt"
 teclas "Entrada fichero" Down Tab Return; terminar; comprobar "entrada lista @fichero" 0 "MADRID"
 
+# A password: typed hidden, written once on standard output and nowhere else.
+lanzar clave "Contraseña del servidor" --titulo "Clave"
+teclas "Clave" texto:S3creto! Return Return; terminar; comprobar "clave" 0 "S3creto!"
+if grep -q "S3creto" "$tmp/error"; then echo "FALLO  la clave sale por la salida de errores"; fallos=$((fallos + 1)); fi
+[ "$(grep -c "S3creto" "$tmp/salida")" = 1 ] || { echo "FALLO  la clave no sale una sola vez"; fallos=$((fallos + 1)); }
+lanzar clave "Contraseña" --titulo "Clave cancelada"
+teclas "Clave cancelada" texto:abc Escape; terminar; comprobar "clave cancelada" 1 ""
+
+# A form of three typed fields, each with its own tag: Enter moves on, then accepts; the answers
+# in their editing forms, one per line or on one line with --separador.
+formulario() {
+    lanzar formulario --titulo "$1" --campo 'Fecha;T(F) L(10)' --campo 'Cliente;T(M) L(20) A(I)' \
+      --campo 'Importe;T(N) L(12) A(D) D(2)' "${@:2}"
+    teclas "$1" texto:0203 Return texto:ana Return texto:1234.5 Return Return; terminar
+}
+formulario "Factura"; comprobar "formulario" 0 "$(printf '02/03/%s\nANA\n1234.50' "$(date +%Y)")"
+formulario "Factura en una línea" --separador ";"; comprobar "formulario con separador" 0 "02/03/$(date +%Y);ANA;1234.50"
+lanzar formulario --titulo "Sin respuesta" --campo "Nombre" --timeout 0.5; terminar
+comprobar "formulario, tiempo agotado" 5 ""
+lanzar formulario --titulo "Sin campos"; terminar; comprobar "formulario sin campos" 2 ""
+grep -q "falta algún --campo" "$tmp/error" || { echo "FALLO  formulario sin campos: $(cat "$tmp/error")"; fallos=$((fallos + 1)); }
+
 # Viewer box: rows from standard input; the focus starts on "Cancelar", Tab back to the grid.
 printf '001\tAna\n002\tLuis\n003\tEva\n' > "$tmp/filas.txt"
 ENTRADA="$tmp/filas.txt" lanzar visor --titulo "Visor" --titulos "Código#6;Nombre#20" --columna Nombre
@@ -124,6 +146,13 @@ pantalla=$(xdotool getdisplaygeometry 2>/dev/null | cut -d' ' -f1)
 xdotool key --window "$id" Escape 2>/dev/null; terminar
 [ -n "$ancho" ] && [ "$ancho" -le $((2 * pantalla)) ] && salida=acotada || salida="ancho $ancho, pantalla $pantalla"
 comprobar "calculadora +1000" 0 acotada
+
+# --ancho / --alto: the window takes that size.
+lanzar calculadora --ancho 600 --alto 320
+teclas "Calculadora"
+medida=$(xdotool getwindowgeometry "$id" 2>/dev/null | sed -n 's/.*Geometry: \([0-9]*x[0-9]*\).*/\1/p')
+xdotool key --window "$id" Escape 2>/dev/null; terminar; salida="$medida"; comprobar "calculadora --ancho --alto" 0 "600x320"
+lanzar ayuda "$DATOS/ayuda_demo.rtf" --ancho 50000; terminar; comprobar "ancho fuera de rango" 2 ""
 
 # Help window from an RTF file, closed with Escape; a missing file is an error of the caller.
 lanzar ayuda "$DATOS/ayuda_demo.rtf"
