@@ -226,7 +226,7 @@ case "$caso" in
     cmake --build --preset default --target kvr-capturas
     for escala in 1 2; do
       sufijo=""; [ "$escala" = 2 ] && sufijo="@2x"
-      QT_SCALE_FACTOR=$escala xvfb-run -a -s "-screen 0 1280x1024x24" \
+      QT_SCALE_FACTOR=$escala dbus-run-session -- xvfb-run -a -s "-screen 0 1280x1024x24" \
         ./build/default/apps/capturas/kvr-capturas docs/capturas "$sufijo"
     done
     ;;

@@ -11,8 +11,11 @@
 #include <QImage>
 #include <QPixmap>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <unordered_map>
+#include <vector>
 
 namespace {
 
@@ -26,6 +29,56 @@ void esperar(int ms)
     reloj.start();
     while (reloj.elapsed() < ms)
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+}
+
+// The picture with a palette of at most 256 colours, the ones it uses most, each pixel the nearest
+// of them: a window is mostly a few flat colours, which stay exact. Qt's own conversion falls back
+// to a fixed colour cube when a picture has more than 256 colours, and a button's shading then
+// shows as stripes of a colour it does not have.
+QImage conPaleta(const QImage &imagen)
+{
+    std::unordered_map<QRgb, int> cuenta;
+    for (int y = 0; y < imagen.height(); ++y) {
+        const auto *fila = reinterpret_cast<const QRgb *>(imagen.constScanLine(y));
+        for (int x = 0; x < imagen.width(); ++x)
+            ++cuenta[fila[x] | 0xFF000000u];
+    }
+    std::vector<std::pair<int, QRgb>> orden;
+    orden.reserve(cuenta.size());
+    for (const auto &[color, n] : cuenta)
+        orden.emplace_back(n, color);
+    std::sort(orden.begin(), orden.end(), [](const auto &a, const auto &b) { return a.first > b.first || (a.first == b.first && a.second < b.second); });
+    QList<QRgb> paleta;
+    for (std::size_t i = 0; i < orden.size() && i < 256; ++i)
+        paleta << orden[i].second;
+    std::unordered_map<QRgb, int> indice;
+    const auto cercano = [&paleta](QRgb c) {
+        int mejor = 0;
+        long menor = -1;
+        for (int i = 0; i < paleta.size(); ++i) {
+            const long dr = qRed(c) - qRed(paleta[i]), dg = qGreen(c) - qGreen(paleta[i]), db = qBlue(c) - qBlue(paleta[i]);
+            const long d = dr * dr * 3 + dg * dg * 4 + db * db * 2;
+            if (menor < 0 || d < menor) {
+                menor = d;
+                mejor = i;
+            }
+        }
+        return mejor;
+    };
+    QImage r(imagen.size(), QImage::Format_Indexed8);
+    r.setColorTable(paleta);
+    for (int y = 0; y < imagen.height(); ++y) {
+        const auto *fila = reinterpret_cast<const QRgb *>(imagen.constScanLine(y));
+        uchar *destino = r.scanLine(y);
+        for (int x = 0; x < imagen.width(); ++x) {
+            const QRgb c = fila[x] | 0xFF000000u;
+            auto it = indice.find(c);
+            if (it == indice.end())
+                it = indice.emplace(c, cercano(c)).first;
+            destino[x] = uchar(it->second);
+        }
+    }
+    return r;
 }
 
 // Shows the window, lets it lay itself out and paint, saves it and closes it.
@@ -42,8 +95,7 @@ void capturar(const QString &nombre, QWidget *ventana, const std::function<void(
     }
     const QString fichero = QDir(g_carpeta).filePath(nombre + g_sufijo + QStringLiteral(".png"));
     // A palette of 256 colours keeps the pictures small enough to live in the repository.
-    QImage imagen = ventana->grab().toImage().convertToFormat(QImage::Format_RGB32);
-    imagen = imagen.convertToFormat(QImage::Format_Indexed8, Qt::ThresholdDither | Qt::AvoidDither);
+    const QImage imagen = conPaleta(ventana->grab().toImage().convertToFormat(QImage::Format_RGB32));
     if (!imagen.save(fichero, "PNG", 0)) {
         (void)std::fprintf(stderr, "no se pudo grabar %s\n", qPrintable(fichero));
         ++g_errores;
@@ -138,6 +190,7 @@ int main(int argc, char *argv[])
     {
         auto *ayuda = new kvr::MiniHelp;
         ayuda->CargarAyuda(datos + QStringLiteral("/ayuda_demo.rtf"));
+        ayuda->TituloMiniWeb(QStringLiteral("Ayuda de la demostración"));
         capturar(QStringLiteral("ayuda"), ayuda);
     }
     {
