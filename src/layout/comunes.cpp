@@ -1,6 +1,8 @@
 // Shared routines without widgets: the DOS code page, file existence, number formatters for
 // grids and reports, reading a text file by lines and list texts.
 #include <kvr/comunes.h>
+
+#include "platform/palabras.h"
 #include <kvr/error.h>
 #include <kvr/ficheros.h>
 #include <kvr/numeros.h>
@@ -108,13 +110,6 @@ const TablaDos &tabla()
 // Contacts files are almost all ASCII, which every direction keeps as it is (but NUL, which
 // becomes a blank): the routines copy runs of ASCII in blocks and take only the other bytes
 // through the table.
-inline uint64_t palabra(const void *p)
-{
-    uint64_t w;
-    std::memcpy(&w, p, sizeof w);
-    return w;
-}
-
 // Where, among the 16 bytes at `p`, the bytes that are not plain ASCII lie (above 0x7F, or NUL):
 // bit i for byte i. Each routine copies 16 bytes at once and then handles only those.
 inline unsigned especiales16(const char *p)
@@ -197,7 +192,7 @@ QByteArray BytesDeDos(const QString &texto)
     const auto *p = reinterpret_cast<const char16_t *>(texto.utf16());
     const char16_t *const fin = p + texto.size();
     while (fin - p >= 8) {
-        if (asciiSinNulo16(palabra(p)) && asciiSinNulo16(palabra(p + 4))) {
+        if (asciiSinNulo16(palabras::Palabra(p)) && asciiSinNulo16(palabras::Palabra(p + 4))) {
             for (int i = 0; i < 8; ++i)
                 d[i] = char(p[i]);
         } else {

@@ -1,5 +1,7 @@
 #include <kvr/buscador.h>
 
+#include "platform/palabras.h"
+
 #include <QChar>
 
 #include <algorithm>
@@ -34,10 +36,9 @@ char *ponerUtf8(char32_t c, char *d)
 // next, as none is above 0x7F.
 inline bool mayusculasAscii(const unsigned char *p, char *d)
 {
-    constexpr uint64_t Unos = 0x0101010101010101ULL, Altos = 0x8080808080808080ULL;
-    uint64_t w;
-    std::memcpy(&w, p, sizeof w);
-    if (((w | ((w - Unos) & ~w)) & Altos) != 0)
+    using palabras::Altos, palabras::Unos;
+    uint64_t w = palabras::Palabra(p);
+    if (palabras::HayAltoOCero(w))
         return false;
     const uint64_t minusculas = (w + 0x1F * Unos) & ~(w + 0x05 * Unos) & Altos;
     w -= minusculas >> 2;

@@ -1,5 +1,7 @@
 #include <kvr/contactos.h>
 
+#include "platform/palabras.h"
+
 #include <kvr/comunes.h>
 #include <kvr/error.h>
 #include <kvr/mivisor.h>
@@ -32,17 +34,12 @@ QString textoError(const QString &ruta, const QString &causa)
 }
 
 // Whether [p, fin) holds a control character (below 0x20), eight bytes at a time: a TAB, CR or
-// LF typed into a cell must not split the contact, and cells almost never hold one. A byte below
-// 0x20 is the only one for which b - 0x20 borrows without the byte's high bit set.
+// LF typed into a cell must not split the contact, and cells almost never hold one.
 bool hayControl(const char *p, const char *const fin)
 {
-    constexpr uint64_t Unos = 0x0101010101010101ULL, Altos = 0x8080808080808080ULL;
-    for (; fin - p >= 8; p += 8) {
-        uint64_t w;
-        std::memcpy(&w, p, sizeof w);
-        if ((w - 0x20 * Unos) & ~w & Altos)
+    for (; fin - p >= 8; p += 8)
+        if (palabras::HayMenorQue(palabras::Palabra(p), 0x20))
             return true;
-    }
     for (; p < fin; ++p)
         if (static_cast<unsigned char>(*p) < 0x20)
             return true;

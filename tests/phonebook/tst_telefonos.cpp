@@ -299,14 +299,15 @@ private Q_SLOTS:
     }
 
     // Rows are saved sorted by name without regard to case; the text is what iconv gives for the
-    // same UTF-8, rows joined by CR, the end CR LF; a TAB typed into a cell cannot split the
-    // contact. Files beside it that only look like a save's leftovers stay.
+    // same UTF-8, rows joined by CR, the end CR LF; a TAB, CR or LF typed into a cell cannot split
+    // the contact, short cell or long (a long one is searched eight bytes at a time). Files beside it that only look like a save's leftovers stay.
     void grabar()
     {
         const QString f = ruta(u"nuevo.DAT"_qs);
         Rejilla g;
         LeerFicheroContactos(f, g);
-        const QStringList filas = L({"zoe|1", "Íñigo Núñez|2||íñigo@x.es", "ana|3", "ÁLVARO|4", "bea|un\ttab"});
+        const QStringList filas = L({"zoe|1", "Íñigo Núñez|2||íñigo@x.es", "ana|3", "ÁLVARO|4",
+                                 "bea|un\ttab|91 555 12 34\r567890|correo.de.bea\t@ejemplo.es"});
         for (int i = 0; i < filas.size(); ++i)
             for (int c = 0; c < filas[i].count(u'|') + 1; ++c)
                 PonerCelda(g, i + 1, c + 1, filas[i].section(u'|', c, c));
@@ -321,7 +322,8 @@ private Q_SLOTS:
         // Names a user may give a copy stay, whatever their age.
         QCOMPARE(QDir(m_dir->path()).entryList({u"nuevo.*"_qs}), L({"nuevo.DAT", "nuevo.DAT.Ab12cD", "nuevo.DAT.copia"}));
         QCOMPARE(leer(f), ejecutar(u"iconv"_qs, {u"-f"_qs, u"UTF-8"_qs, u"-t"_qs, u"CP850"_qs},
-                                   "\tNombre\tTeléfono\tFax\teMail\r\tÁLVARO\t4\t\t\r\tana\t3\t\t\r\tbea\tun tab\t\t\r"
+                                   "\tNombre\tTeléfono\tFax\teMail\r\tÁLVARO\t4\t\t\r\tana\t3\t\t\r"
+                                   "\tbea\tun tab\t91 555 12 34 567890\tcorreo.de.bea @ejemplo.es\r"
                                    "\tÍñigo Núñez\t2\t\tíñigo@x.es\r\tzoe\t1\t\t\r\n"));
         QCOMPARE(s, SelloDe(f));
         // The save errors hosts tell apart by their number: a read-only file, a missing folder.
