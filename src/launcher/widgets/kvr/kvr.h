@@ -32,6 +32,7 @@
 #include <kvr/contactos.h>
 #include <kvr/ficheros.h>
 #include <kvr/buscador.h>
+#include <kvr/vcard.h>
 #include <kvr/telefonos.h>
 #include <kvr/letras.h>
 #include <kvr/identificacion.h>
