@@ -25,7 +25,7 @@ PAQUETES=(cmake ninja-build g++ clang-14 libclang-rt-14-dev pkg-config
   xvfb xauth xdotool cups cups-client printer-driver-cups-pdf libcups2-dev python3 procps
   libzip-dev zip unzip python3-stdnum poppler-utils desktop-file-utils llvm-14 help2man
   clang-tidy-14 clazy abigail-tools dpkg-dev lintian doxygen
-  python3-pyatspi at-spi2-core dbus-daemon)
+  python3-pyatspi at-spi2-core dbus-daemon python3-vobject)
 FUZZ_SEGUNDOS=${FUZZ_SEGUNDOS:-45}
 FUZZ_SEMILLA=${FUZZ_SEMILLA:-1}   # a fixed seed: a finding can be reproduced from the log
 
