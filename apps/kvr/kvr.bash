@@ -10,7 +10,7 @@ _kvr()
         return
     fi
     case "$prev" in
-        --ayuda) COMPREPLY=($(compgen -f -- "$cur")); return ;;
+        --ayuda|--importar|--exportar) COMPREPLY=($(compgen -f -- "$cur")); return ;;
         --moneda) COMPREPLY=($(compgen -W "EUR ESP" -- "$cur")); return ;;
         --icono) COMPREPLY=($(compgen -W "1 2 3 4 5 6 7 8 9 10" -- "$cur")); return ;;
         --botones) COMPREPLY=($(compgen -W "1 2 3 4 5 6" -- "$cur")); return ;;
@@ -27,7 +27,8 @@ _kvr()
         progreso) opciones="--total --titulo" ;;
         impresora) opciones="--apaisado" ;;
         tabla) opciones="--titulos --tag --ancho --alto" ;;
-        calculadora|telefonos) opciones="--ancho --alto" ;;
+        calculadora) opciones="--ancho --alto" ;;
+        telefonos) opciones="--ancho --alto --importar --exportar" ;;
         ayuda) opciones="--titulo --ancho --alto" ;;
         letras) opciones="--moneda --numero" ;;
     esac

@@ -5,6 +5,7 @@
 // nobody answered within --timeout.
 #include <kvr/kvr.h>
 
+#include "agenda.h"
 #include "formulario.h"
 #include "linea.h"
 #include "pantalla.h"
@@ -555,9 +556,15 @@ std::vector<Orden> ordenes()
          "Uso: kvr telefonos\n"
          "Abre la agenda de teléfonos y escribe el correo del contacto elegido.\n"
          "La agenda es TELEFONO.DAT en la carpeta de la variable TLF.\n\n"
-         "  --ancho N, --alto N  tamaño de la ventana en píxeles\n\n"
+         "  --ancho N, --alto N  tamaño de la ventana en píxeles\n"
+         "  --importar FICHERO  añade a la agenda los contactos del fichero, sin ventana\n"
+         "  --exportar FICHERO  escribe los contactos de la agenda en el fichero, sin ventana\n"
+         "El formato sigue al nombre: .vcf (vCard), .csv (UTF-8, \";\", cabecera\n"
+         "Nombre;Teléfono;Fax;eMail) u otro TELEFONO.DAT.  Importar dos veces no duplica nada.\n"
+         "Al importar escribe cuántos contactos leyó, añadió, actualizó y omitió; estado 1\n"
+         "si rechazó alguno (lo dice en la salida de errores), 2 si no pudo usar el fichero.\n\n"
          "Estado 0 con un correo elegido, 1 si no.\n",
-         L({"ancho", "alto"}), {}, 0, 0, true, telefonos),
+         L({"ancho", "alto", "importar", "exportar"}), {}, 0, 0, true, telefonos),
         hacer("impresora",
          "Uso: kvr impresora [--apaisado]\n"
          "Elige impresora y orientación; escribe la impresora y \"Vertical\" u \"Horizontal\".\n\n"
@@ -667,6 +674,14 @@ int main(int argc, char *argv[])
     static int argcQt = int(argvQt.size());
     argvQt.push_back(nullptr);
 
+    // The phone book's contacts in and out of a file need no window (nor a display).
+    if (a.orden == u"telefonos" && (a.tiene("importar") || a.tiene("exportar"))) {
+        if (a.tiene("importar") && a.tiene("exportar"))
+            return errorUso(a.orden, QStringLiteral("--importar y --exportar no pueden ir juntas"));
+        QCoreApplication app(argcQt, argvQt.data());
+        return a.tiene("importar") ? kvr::orden::ImportarContactos(a.valor("importar"))
+                                   : kvr::orden::ExportarContactos(a.valor("exportar"));
+    }
     if (!orden->reglas.ventana) {
         QCoreApplication app(argcQt, argvQt.data());
         return orden->ejecutar(a);

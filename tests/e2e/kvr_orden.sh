@@ -175,6 +175,36 @@ teclas "Edición de Tablas" Tab texto:soria Return space Tab Tab space Tab space
 comprobar "tabla" 0 ""
 salida=$(tr -d '\r' < "$tmp/tabla.txt"); comprobar "tabla grabada" 0 "$(printf 'LUGO\nMADRID\nSORIA')"
 
+# The phone book's contacts out and in without a window: exported as vCard, CSV and TELEFONO.DAT,
+# imported into an empty phone book (each format gives the same contacts), imported again (nothing
+# added); python3-vobject reads the vCards; a line with no value is refused (1), a file that is no
+# vCard file is not used (2).
+mkdir -p "$tmp/ag" "$tmp/ag_vcf" "$tmp/ag_csv" "$tmp/ag_dat"
+cp "$DATOS/TELEFONO.DAT" "$tmp/ag/"
+cuantos=$(TLF="$tmp/ag" "$K" telefonos --exportar "$tmp/todos.vcf" | sed -n 's/exportados \([0-9]*\) .*/\1/p')
+TLF="$tmp/ag" "$K" telefonos --exportar "$tmp/todos.csv" > /dev/null
+TLF="$tmp/ag" "$K" telefonos --exportar "$tmp/otro.DAT" > /dev/null
+for f in vcf csv dat; do
+    fichero="$tmp/todos.$f"; [ $f = dat ] && fichero="$tmp/otro.DAT"
+    salida=$(TLF="$tmp/ag_$f" "$K" telefonos --importar "$fichero"); estado=$?
+    comprobar "importar $f" 0 "leídos $cuantos, añadidos $cuantos, actualizados 0, omitidos 0 (ya estaban), rechazados 0"
+    salida=$(TLF="$tmp/ag_$f" "$K" telefonos --importar "$fichero"); estado=$?
+    comprobar "importar $f otra vez" 0 "leídos $cuantos, añadidos 0, actualizados 0, omitidos $cuantos (ya estaban), rechazados 0"
+    # The same contacts (a save puts them in its own order).
+    salida=$(cmp <(tr '\r' '\n' < "$tmp/ag_$f/TELEFONO.DAT" | sort) <(tr '\r' '\n' < "$tmp/ag/TELEFONO.DAT" | sort) && echo iguales)
+    estado=0; comprobar "importar $f da los mismos contactos" 0 iguales
+done
+salida=$(/usr/bin/python3 -c 'import sys, vobject; print(len(list(vobject.readComponents(open(sys.argv[1]).read()))))' "$tmp/todos.vcf"); estado=$?
+comprobar "vobject lee las vCards exportadas" 0 "$cuantos"
+printf 'Nombre;Tel\xc3\xa9fono\r\nAna;1\r\n;\r\n' > "$tmp/uno.csv"
+salida=$(TLF="$tmp/ag_csv" "$K" telefonos --importar "$tmp/uno.csv" 2> "$tmp/error"); estado=$?
+comprobar "importar con una línea vacía" 1 "leídos 2, añadidos 1, actualizados 0, omitidos 0 (ya estaban), rechazados 1"
+grep -q "rechazado, línea 3" "$tmp/error" || { echo "FALLO  línea rechazada: $(cat "$tmp/error")"; fallos=$((fallos + 1)); }
+printf 'BEGIN:VCARD\r\nFN:Cortada\r\n' > "$tmp/cortada.vcf"
+salida=$(TLF="$tmp/ag_vcf" "$K" telefonos --importar "$tmp/cortada.vcf" 2> "$tmp/error"); estado=$?
+comprobar "importar vCard cortada" 2 ""
+grep -q "falta el final" "$tmp/error" || { echo "FALLO  vCard cortada: $(cat "$tmp/error")"; fallos=$((fallos + 1)); }
+
 # Without a window.
 lanzar letras 1234,56; terminar
 comprobar "letras" 0 "mil doscientos treinta y cuatro euros con cincuenta y seis céntimos"

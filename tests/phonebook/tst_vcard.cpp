@@ -1,7 +1,8 @@
-// Contacts as vCards: what the phone book shows of vCards of each version and of the forms real
+// Contacts as vCards and as CSV: what the phone book shows of vCards of each version and of the forms real
 // address books write; a contact edited keeps what the phone book does not show; what is written
 // is 3.0 that python3-vobject (an outside reader and writer of vCards) reads back the same, and
 // vCards vobject writes are read right.
+#include <kvr/intercambio.h>
 #include <kvr/vcard.h>
 
 #include "../comun/ficheros.h"
@@ -204,6 +205,56 @@ for fn, tel, fax, mail in [('Pérez, Ana; "la de Málaga"', '952 1', '952 2', 'a
         for (const VCard &t : suyos.tarjetas)
             leidos << cuatro(ContactoDeVCard(t));
         QCOMPARE(leidos, (QStringList{u"Pérez, Ana; \"la de Málaga\"|952 1|952 2|ana@x.es"_qs, u"Bob||91 3|"_qs}));
+    }
+
+    // CSV as address books and spreadsheets export it: the separator the header uses, with or
+    // without a byte-order mark, quoted fields (a ";" or a line break inside, doubled quotes),
+    // Windows-1252 text, and the header names of Spanish and English exports.
+    void csv_data()
+    {
+        QTest::addColumn<QByteArray>("texto");
+        QTest::addColumn<QString>("esperado"); // contacts as nombre|teléfono|fax|correo, then rejected lines
+        QTest::newRow("la nuestra") << "\xEF\xBB\xBFNombre;Tel\xC3\xA9" "fono;Fax;eMail\r\n\"P\xC3\xA9rez; Ana\";952 1;;a@x.es\r\n"_qba
+                                    << u"Pérez; Ana|952 1||a@x.es"_qs;
+        QTest::newRow("Outlook en español")
+            << "Nombre,Apellidos,Tel\xC3\xA9" "fono m\xC3\xB3vil,Fax del trabajo,Direcci\xC3\xB3n de correo electr\xC3\xB3nico\n"
+               "Ana,\"Gil \"\"la de Lugo\"\"\",600 1,982 2,ana@x.es\n,,,,\n"_qba
+            << u"Ana Gil \"la de Lugo\"|600 1|982 2|ana@x.es\nlínea 3: sin nombre, teléfono, fax ni correo"_qs;
+        QTest::newRow("Google en inglés")
+            << "Name,Given Name,Family Name,E-mail 1 - Value,Phone 1 - Value\r\nBob Smith,Bob,Smith,b@x.com,+1 555\r\n"_qba
+            << u"Bob Smith|+1 555||b@x.com"_qs;
+        QTest::newRow("Windows-1252, nombre en dos columnas, salto dentro")
+            << "First Name;Last Name;Business Phone;E-mail Address\r\nIb\xE1\xF1" "ez;\"Mu\xF1oz\r\nS.L.\";91 3;\r\n"_qba
+            << u"Ibáñez Muñoz\nS.L.|91 3||"_qs;
+        QTest::newRow("sin columnas conocidas") << "a,b,c\n1,2,3\n"_qba
+                                                << u"la cabecera no nombra ninguna columna de nombre, teléfono, fax o correo: «a,b,c»"_qs;
+    }
+    void csv()
+    {
+        QFETCH(QByteArray, texto);
+        QFETCH(QString, esperado);
+        const LecturaCsv l = LeerCsvContactos(texto);
+        QStringList visto;
+        for (const ContactoLeido &c : l.contactos)
+            visto << cuatro(c.contacto);
+        visto << l.rechazados;
+        if (!l.problema.isEmpty())
+            visto << l.problema;
+        QCOMPARE(visto.join(u'\n'), esperado);
+    }
+    // What is written is read back the same, and its bytes are the ones a Spanish spreadsheet
+    // expects.
+    void csvDeIdaYVuelta()
+    {
+        const QList<ContactoVCard> contactos = {{u"Pérez; Ana"_qs, u"952 1"_qs, {}, u"a@x.es"_qs},
+                                                {u"Dos \"comillas\"\ny salto"_qs, {}, u"91"_qs, {}}};
+        const QByteArray escrito = CsvDeContactos(contactos);
+        QCOMPARE(escrito, "\xEF\xBB\xBFNombre;Tel\xC3\xA9" "fono;Fax;eMail\r\n\"P\xC3\xA9rez; Ana\";952 1;;a@x.es\r\n"
+                          "\"Dos \"\"comillas\"\"\ny salto\";;91;\r\n"_qba);
+        QStringList leidos;
+        for (const ContactoLeido &c : LeerCsvContactos(escrito).contactos)
+            leidos << cuatro(c.contacto);
+        QCOMPARE(leidos, (QStringList{cuatro(contactos[0]), cuatro(contactos[1])}));
     }
 };
 

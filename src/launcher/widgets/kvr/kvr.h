@@ -33,6 +33,7 @@
 #include <kvr/ficheros.h>
 #include <kvr/buscador.h>
 #include <kvr/vcard.h>
+#include <kvr/intercambio.h>
 #include <kvr/telefonos.h>
 #include <kvr/letras.h>
 #include <kvr/identificacion.h>
