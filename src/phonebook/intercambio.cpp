@@ -148,7 +148,7 @@ LecturaCsv LeerCsvContactos(QByteArrayView datos)
         const QStringList &f = filas[i].second;
         const auto primero = [&f](const QList<int> &cols) {
             for (int c : cols)
-                if (const QString v = f.value(c).trimmed(); !v.isEmpty())
+                if (QString v = f.value(c).trimmed(); !v.isEmpty())
                     return v;
             return QString();
         };
