@@ -1,19 +1,20 @@
 // How the runtime's windows read to a screen reader where Qt's own accessible interfaces fall
 // short:
 // - a window built on a plain QWidget (calculator, phone book, table editor, progress, and a
-//   host's forms built the same way) is a window with its title, where Qt would expose a nameless client area ("filler"): a factory
-//   installed when the library loads answers for those classes, which Qt's own does not know;
+//   host's forms built the same way) is a window with its title, where Qt would expose a nameless
+//   client area ("filler"): a factory installed when the library loads answers for those classes,
+//   which Qt's own does not know;
 // - a label showing a live value (the calculator's display) reads as read-only text, so a reader
 //   can move through it, and hears each new value from the text updates its window sends;
 // - the caption strip a frameless box paints for itself is its title bar, not a label that
 //   would make the reader say the title twice;
 // - a drop-down list is named by its label, its choice is its value.
-// Qt's factory answers for every QLabel and QComboBox before any installed later, so the labels' interfaces
-// are put in Qt's cache by hand, in place of any made before (setting a text makes one).
+// Qt's factory answers for every QLabel and QComboBox before any installed later, so those
+// interfaces are put in Qt's cache by hand, in place of any made before (setting a text makes one).
 #include <kvr/accesible.h>
 
-#include <QAccessible>
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QAccessibleWidget>
 #include <QComboBox>
 #include <QFontMetrics>
