@@ -553,7 +553,7 @@ std::vector<Orden> ordenes()
          "  --ancho N, --alto N  tamaño de la ventana en píxeles\n",
          L({"ancho", "alto"}), {}, 0, 1, true, calculadora),
         hacer("telefonos",
-         "Uso: kvr telefonos\n"
+         "Uso: kvr telefonos [--importar FICHERO | --exportar FICHERO] [OPCIONES]\n"
          "Abre la agenda de teléfonos y escribe el correo del contacto elegido.\n"
          "La agenda es TELEFONO.DAT en la carpeta de la variable TLF.\n\n"
          "  --ancho N, --alto N  tamaño de la ventana en píxeles\n"
