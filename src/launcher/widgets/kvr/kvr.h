@@ -34,6 +34,7 @@
 #include <kvr/buscador.h>
 #include <kvr/vcard.h>
 #include <kvr/intercambio.h>
+#include <kvr/multiestado.h>
 #include <kvr/telefonos.h>
 #include <kvr/letras.h>
 #include <kvr/identificacion.h>

@@ -25,24 +25,26 @@ namespace kvr {
 /// The formats of a contacts file, by its name: ".vcf" (vCard, several contacts in one file),
 /// ".csv", and any other name a TELEFONO.DAT in code page 850.
 enum class FormatoContactos { VCard, Csv, Dat };
+/// The format of the contacts file `ruta` by its name (".vcf" or ".vcard", ".csv", else DAT).
 KVR_CORE_EXPORT FormatoContactos FormatoDeFichero(const QString &ruta);
 
 /// One contact read from a file: its four values, its vCard UID (empty for other formats) and
 /// where it was (the line of a CSV file, the position of a vCard).
 struct ContactoLeido {
-    ContactoVCard contacto;
-    QString uid;
-    int donde = 0;
+    ContactoVCard contacto;  ///< the four values
+    QString uid;             ///< the vCard's UID; empty for other formats
+    int donde = 0;           ///< the CSV line, or the vCard's position (from 1)
 };
 
 /// The contacts of a CSV text. `problema` says why nothing could be read (no header line, no
 /// column of a name, a phone, a fax or an e-mail); `rechazados` the lines skipped and why (a line
 /// with none of the four values).
 struct LecturaCsv {
-    QList<ContactoLeido> contactos;
-    QStringList rechazados;
-    QString problema;
+    QList<ContactoLeido> contactos;  ///< the contacts read, in order
+    QStringList rechazados;          ///< the lines skipped, each with its reason
+    QString problema;                ///< why nothing could be read; empty otherwise
 };
+/// Reads the contacts of a CSV text (see the file's description and LecturaCsv).
 KVR_CORE_EXPORT LecturaCsv LeerCsvContactos(QByteArrayView datos);
 /// The CSV text of contacts (see the file's description).
 KVR_CORE_EXPORT QByteArray CsvDeContactos(const QList<ContactoVCard> &contactos);

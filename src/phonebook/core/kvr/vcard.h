@@ -26,24 +26,24 @@ namespace kvr {
 /// parameters (names in upper case, values as written but unquoted; a bare 2.1 value such as
 /// "FAX" is a TYPE), and its value unfolded and decoded to text but still escaped as written.
 struct PropiedadVCard {
-    QString grupo;
-    QString nombre;
-    QList<QPair<QString, QString>> parametros;
-    QString valor;
+    QString grupo;                              ///< the group, or empty
+    QString nombre;                             ///< the name, in upper case
+    QList<QPair<QString, QString>> parametros;  ///< (name, value) pairs, in order
+    QString valor;                              ///< the value, decoded but still escaped
 };
 
 /// One vCard: its version as written ("2.1", "3.0", "4.0") and its properties in order, without
 /// BEGIN, VERSION and END.
 struct VCard {
-    QString version;
-    QList<PropiedadVCard> propiedades;
+    QString version;                    ///< as written ("2.1", "3.0", "4.0")
+    QList<PropiedadVCard> propiedades;  ///< the properties, in order
 };
 
 /// What LeerVCards found: the vCards read whole, and why the text was not read whole (empty when
 /// it was). A caller that must not act on part of a text checks `problema` first.
 struct LecturaVCards {
-    QList<VCard> tarjetas;
-    QString problema;
+    QList<VCard> tarjetas;  ///< the vCards read whole, in order
+    QString problema;       ///< why the text was not read whole; empty when it was
 };
 
 /// The vCards of a text (a .vcf file, a server's response), in order.
