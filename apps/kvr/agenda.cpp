@@ -43,7 +43,7 @@ QString clave(const ContactoVCard &c)
     return QStringList{limpio(c.nombre), limpio(c.telefono), limpio(c.fax), limpio(c.email)}.join(u'\t');
 }
 
-// The phone book, or a message saying why it cannot be used.
+// Whether "TLF" names a CardDAV server rather than a folder.
 bool esServidor()
 {
     const QString tlf = qEnvironmentVariable("TLF");
@@ -135,8 +135,7 @@ int ImportarContactos(const QString &fichero)
         }
         hay.insert(k);
         // A blank first row (a new phone book's) takes the first contact.
-        if (agenda.Rows() == 2 && clave(contactosDe(agenda).value(0)).remove(u'\t').isEmpty() && anadidos == 0
-            && agenda.TextMatrix(1, ColNombre).isEmpty())
+        if (anadidos == 0 && agenda.Rows() == 2 && contactosDe(agenda).isEmpty())
             agenda.PonerRows(1);
         agenda.AddItem(u'\t' + k);
         ++anadidos;
